@@ -1,0 +1,47 @@
+# Helpers shared by the subsystem folders.
+#
+# kormath_add_subsystem(NAME <name> SOURCES <files...> [DEPS <targets...>])
+#   A static, position-independent library kormath_<name>; all subsystem
+#   libraries are combined into the one kormath library.
+# kormath_add_test(NAME <name> SOURCES <files...> DEPS <targets...>)
+#   A GoogleTest executable registered with CTest.
+
+set(KORMATH_SOURCE_ROOT "${PROJECT_SOURCE_DIR}/src")
+
+function(kormath_set_compile_options target)
+  target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic)
+  if(KORMATH_WERROR)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
+  # Floating point is part of the contract: no contraction into FMA.
+  target_compile_options(${target} PRIVATE -ffp-contract=off)
+  # GCC before 13 drops deliberate narrowing to float in SLP-vectorised
+  # constructors at -O2; the library rounds through float on purpose.
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+    target_compile_options(${target} PRIVATE -fno-tree-slp-vectorize)
+  endif()
+endfunction()
+
+function(kormath_add_subsystem)
+  cmake_parse_arguments(A "" "NAME" "SOURCES;DEPS" ${ARGN})
+  set(target kormath_${A_NAME})
+  add_library(${target} STATIC ${A_SOURCES})
+  target_include_directories(${target} PUBLIC $<BUILD_INTERFACE:${KORMATH_SOURCE_ROOT}>)
+  target_compile_definitions(${target} PRIVATE KORMATH_BUILDING)
+  if(A_DEPS)
+    target_link_libraries(${target} PUBLIC ${A_DEPS})
+  endif()
+  kormath_set_compile_options(${target})
+  set_property(GLOBAL APPEND PROPERTY KORMATH_SUBSYSTEM_TARGETS ${target})
+endfunction()
+
+function(kormath_add_test)
+  if(NOT KORMATH_BUILD_TESTS)
+    return()
+  endif()
+  cmake_parse_arguments(A "" "NAME" "SOURCES;DEPS" ${ARGN})
+  add_executable(${A_NAME} ${A_SOURCES})
+  target_link_libraries(${A_NAME} PRIVATE ${A_DEPS} GTest::gtest GTest::gtest_main)
+  kormath_set_compile_options(${A_NAME})
+  gtest_discover_tests(${A_NAME} DISCOVERY_TIMEOUT 60)
+endfunction()
