@@ -11,8 +11,8 @@ constexpr int kViewCount = 4;
 constexpr int kDrawsPerView = 2400;
 constexpr double kNoiseSigma = 0.05;       // mm
 constexpr double kVisibleCosine = -0.05;   // a little more than a hemisphere
-constexpr double kMaxAngleDegrees = 8.0;   // displacement rotation
-constexpr double kMaxShift = 4.0;          // mm per axis
+constexpr double kMaxAngleDegrees = 4.0;   // displacement rotation
+constexpr double kMaxShift = 2.5;          // mm per axis
 
 // SplitMix64 with its own uniform and normal draws, so the data do not
 // depend on the standard library's distributions.

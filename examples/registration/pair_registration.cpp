@@ -61,7 +61,7 @@ PairResult RegisterPair(MKDTreePointLocator const &locator, double resolution, M
     if (m.inliers.size() < kMinimumPairs) {
       break;
     }
-    if (previousRms >= 0.0 && previousRms - m.record.rms <= settings.minImprovement * previousRms) {
+    if (previousRms >= 0.0 && std::fabs(previousRms - m.record.rms) <= settings.minImprovement * previousRms) {
       result.converged = true;
       break;
     }

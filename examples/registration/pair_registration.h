@@ -17,8 +17,8 @@ struct PairSettings {
   double searchRadiusFactor = 10.0;  // matches farther than this many spacings are ignored
   double inlierFactor = 2.5;         // inliers: residue at most this times the median residue
   double minOverlap = 0.15;          // fewer inliers than this share of the moving set: no edge
-  double minImprovement = 1e-6;      // stop when the RMS improves by less than this fraction
-  int maxIterations = 60;
+  double minImprovement = 1e-6;      // stop when the RMS changes by less than this fraction
+  int maxIterations = 200;
 };
 
 struct IterationRecord {

@@ -6,6 +6,24 @@
 
 namespace reg {
 
+namespace {
+
+std::string EscapeXml(std::string const &text) {
+  std::string out;
+  for (char c : text) {
+    switch (c) {
+      case '<': out += "&lt;"; break;
+      case '>': out += "&gt;"; break;
+      case '&': out += "&amp;"; break;
+      case '"': out += "&quot;"; break;
+      default: out += c;
+    }
+  }
+  return out;
+}
+
+}  // namespace
+
 bool WriteConvergenceSvg(std::string const &path, std::vector<PlotSeries> const &series) {
   const double width = 720.0, height = 420.0, left = 70.0, right = 190.0, top = 30.0, bottom = 50.0;
   const char *colours[] = {"#1f77b4", "#ff7f0e", "#2ca02c", "#d62728", "#9467bd", "#8c564b", "#e377c2", "#7f7f7f"};
@@ -58,7 +76,7 @@ bool WriteConvergenceSvg(std::string const &path, std::vector<PlotSeries> const 
     const double ly = top + 14.0 + 18.0 * static_cast<double>(k);
     std::fprintf(f, "<line x1=\"%g\" y1=\"%g\" x2=\"%g\" y2=\"%g\" stroke=\"%s\" stroke-width=\"2\"/>\n",
                  left + plotW + 12, ly - 4, left + plotW + 32, ly - 4, c);
-    std::fprintf(f, "<text x=\"%g\" y=\"%g\">%s</text>\n", left + plotW + 38, ly, series[k].label.c_str());
+    std::fprintf(f, "<text x=\"%g\" y=\"%g\">%s</text>\n", left + plotW + 38, ly, EscapeXml(series[k].label).c_str());
   }
   std::fprintf(f, "</svg>\n");
   const bool ok = std::ferror(f) == 0;
