@@ -8,7 +8,7 @@ namespace {
 
 constexpr double kPi = 3.141592653589793;
 constexpr int kViewCount = 4;
-constexpr int kDrawsPerView = 2400;
+constexpr int kDrawsPerView = 9000;
 constexpr double kNoiseSigma = 0.05;       // mm
 constexpr double kVisibleCosine = -0.05;   // a little more than a hemisphere
 constexpr double kMaxAngleDegrees = 4.0;   // displacement rotation

@@ -83,10 +83,21 @@ PairResult RegisterPair(MKDTreePointLocator const &locator, double resolution, M
     m = Match(locator, current.GetPoints(), radius, settings.inlierFactor);
   }
 
+  // The cost counts the moving points that found no fixed point within an
+  // absolute distance, so that a pair that slid apart scores badly.
+  MClosestPointInfoList close;
+  for (std::size_t i = 0; i < current.GetPoints().size(); ++i) {
+    MClosestPointInfo info;
+    info.SetInputPoint(current.GetPoints()[i]);
+    info.SetResidue(settings.outlierFactor * resolution);
+    if (locator.FindClosestPointWithinRadius(info)) {
+      close.push_back(info);
+    }
+  }
   const std::size_t sampleSize = current.GetPoints().size();
-  if (m.inliers.size() >= kMinimumPairs &&
-      static_cast<double>(m.inliers.size()) >= settings.minOverlap * static_cast<double>(sampleSize)) {
-    result.cost.SetInfoInliers(m.inliers.size(), sampleSize, m.inliers.GetTotalError());
+  if (close.size() >= kMinimumPairs &&
+      static_cast<double>(close.size()) >= settings.minOverlap * static_cast<double>(sampleSize)) {
+    result.cost.SetInfoInliers(close.size(), sampleSize, close.GetTotalError());
   }
   return result;
 }

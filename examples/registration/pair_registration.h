@@ -16,7 +16,8 @@ namespace reg {
 struct PairSettings {
   double searchRadiusFactor = 10.0;  // matches farther than this many spacings are ignored
   double inlierFactor = 2.5;         // inliers: residue at most this times the median residue
-  double minOverlap = 0.15;          // fewer inliers than this share of the moving set: no edge
+  double outlierFactor = 2.0;        // cost: a moving point is an outlier without a match this close
+  double minOverlap = 0.15;          // fewer cost inliers than this share of the moving set: no edge
   double minImprovement = 1e-6;      // stop when the RMS changes by less than this fraction
   int maxIterations = 200;
 };
@@ -34,7 +35,7 @@ struct PairResult {
   std::size_t moving = 0;
   std::vector<IterationRecord> history;  // before each update, then the final state
   MMTransformMatrix movingToFixed;       // places the moving set in the frame of the fixed set
-  MRegistrationCostInfo cost;            // infinite when the overlap is too small
+  MRegistrationCostInfo cost;            // outliers by outlierFactor; infinite when the overlap is too small
   bool converged = false;
 };
 
