@@ -10,6 +10,21 @@
 #include <cstddef>
 #include <memory_resource>
 #include <mutex>
+#include <new>
+
+// Under AddressSanitizer the pool passes every block straight to the global
+// operator new and delete, so that a leaked or twice released transform is
+// reported instead of hidden in the pool.
+#if defined(__SANITIZE_ADDRESS__)
+#define KORMATH_POOL_PASSTHROUGH 1
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define KORMATH_POOL_PASSTHROUGH 1
+#endif
+#endif
+#ifndef KORMATH_POOL_PASSTHROUGH
+#define KORMATH_POOL_PASSTHROUGH 0
+#endif
 
 namespace StdBase {
 
@@ -45,6 +60,7 @@ class SizeMappedAllocator {
   // Storage for an object of `size` bytes; throws std::bad_alloc when the
   // pool cannot grow.
   void *NewObjectThrow(std::size_t size) {
+    if (KORMATH_POOL_PASSTHROUGH) return ::operator new(size);
     Guard guard(locking_);
     void *block = pool_.allocate(size + kHeader, alignof(std::max_align_t));
     *static_cast<std::size_t *>(block) = size;
@@ -54,6 +70,10 @@ class SizeMappedAllocator {
   // Takes back storage that NewObjectThrow gave. A null pointer is ignored.
   void ReleaseObject(void *pointer) {
     if (pointer == nullptr) return;
+    if (KORMATH_POOL_PASSTHROUGH) {
+      ::operator delete(pointer);
+      return;
+    }
     char *block = static_cast<char *>(pointer) - kHeader;
     const std::size_t size = *reinterpret_cast<std::size_t *>(block);
     Guard guard(locking_);
