@@ -4,6 +4,7 @@
 #include <kormath/kormath.h>
 
 #include <cstdio>
+#include <vector>
 
 namespace {
 
@@ -24,7 +25,7 @@ void Show(const char *what, const MMTransform &t, const MMPoint3d<double> &p) {
   MMPoint3d<double> q, back;
   t.Transform(q, p);
   const bool inv = t.InverseTransform(back, q);
-  std::printf("%-34s (%g, %g, %g) -> (%.6g, %.6g, %.6g)", what, p.x, p.y, p.z, q.x, q.y, q.z);
+  std::printf("%-38s (%g, %g, %g) -> (%.6g, %.6g, %.6g)", what, p.x, p.y, p.z, q.x, q.y, q.z);
   if (inv)
     std::printf("  back (%.6g, %.6g, %.6g)\n", back.x, back.y, back.z);
   else
@@ -77,6 +78,24 @@ int main() {
   std::printf("rigid motion as matrix: class %s, verified %s\n", ClassName(fromRigid.GetClass()),
               rigid.Verify() ? "yes" : "no");
   Show("  quarter turn + (0.1, 0.2, 0.3)", fromRigid, p);
+
+  // Composition: a stack holds any mix of transforms; Concat folds
+  // neighbouring matrices into one.
+  MMTransformStack inverted;
+  inverted.PostMultiply(translation);
+  inverted.PostMultiply(rotation);
+  inverted.Invert();
+  MMTransformStack stack;
+  stack.PostMultiply(scale);
+  stack.PostAddStack(inverted);
+  std::printf("stack of a scale and an inverted stack: %u transforms\n", stack.GetNrTransforms());
+  Show("  scale * (translation * rotation)^-1", stack, p);
+  std::vector<MMTransform *> chainList = {&translation, &rotation, &scale};
+  MMTransform *folded = Concat(chainList, nullptr);
+  const auto *foldedMatrix = dynamic_cast<const MMTransformMatrix *>(folded);
+  std::printf("Concat of three matrices: %s\n", foldedMatrix ? "folded into one matrix" : "kept as a stack");
+  Show("  translation * rotation * scale", *folded, p);
+  delete folded;
 
   M3DBoundingBox<float> box(0.0f, 2.0f, 0.0f, 1.0f, 0.0f, 1.0f);
   fromRigid.TransformBoundingBox(box);
