@@ -5,5 +5,5 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh
 cmake --preset release >/dev/null
-cmake --build --preset release -j "$(nproc)" --target kormath_tour
-exec build/release/examples/transform_tour/kormath_tour "$@"
+cmake --build --preset release -j "$(nproc)" --target kormath_register
+exec build/release/examples/registration/kormath_register "$@"

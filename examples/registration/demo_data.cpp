@@ -8,7 +8,7 @@ namespace {
 
 constexpr double kPi = 3.141592653589793;
 constexpr int kViewCount = 4;
-constexpr int kDrawsPerView = 9000;
+constexpr int kSurfacePoints = 9000;  // shared by all views; each sees its visible part
 constexpr double kNoiseSigma = 0.05;       // mm
 constexpr double kVisibleCosine = -0.05;   // a little more than a hemisphere
 constexpr double kMaxAngleDegrees = 4.0;   // displacement rotation
@@ -67,6 +67,8 @@ MMTransformMatrix RandomDisplacement(Random &rng) {
 
 std::vector<DemoView> MakeDemoViews(std::uint64_t seed) {
   Random rng(seed);
+  std::vector<MMPoint3d<double>> directions;
+  for (int i = 0; i < kSurfacePoints; ++i) directions.push_back(RandomDirection(rng));
   std::vector<DemoView> views;
   const double azimuth[kViewCount] = {0.0, 95.0, 185.0, 270.0};
   for (int k = 0; k < kViewCount; ++k) {
@@ -76,8 +78,7 @@ std::vector<DemoView> MakeDemoViews(std::uint64_t seed) {
     MMPoint3d<double> look(std::cos(a), std::sin(a), k % 2 == 0 ? 0.3 : -0.3);
     look.Normalise();
     view.displacement = RandomDisplacement(rng);
-    for (int i = 0; i < kDrawsPerView; ++i) {
-      const MMPoint3d<double> u = RandomDirection(rng);
+    for (MMPoint3d<double> const &u : directions) {
       if (u.Dot(look) <= kVisibleCosine) continue;
       MMPoint3d<double> p;
       view.displacement.Transform(p, Surface(u), false);

@@ -19,7 +19,7 @@ struct PairSettings {
   double outlierFactor = 2.0;        // cost: a moving point is an outlier without a match this close
   double minOverlap = 0.15;          // fewer cost inliers than this share of the moving set: no edge
   double minImprovement = 1e-6;      // stop when the RMS changes by less than this fraction
-  int maxIterations = 200;
+  int maxIterations = 100;
 };
 
 struct IterationRecord {

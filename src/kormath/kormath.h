@@ -6,5 +6,8 @@
 #include <kormath/export.h>
 #include <kormath/platform/platform.h>
 #include <kormath/transforms/transforms.h>
+#include <kormath/linalg/linalg.h>
+#include <kormath/geometry/geometry.h>
+#include <kormath/registration/registration.h>
 
 #endif  // KORMATH_KORMATH_H
