@@ -1,0 +1,145 @@
+#include <gtest/gtest.h>
+#include <kormath/linalg/symmetric_matrix.h>
+
+#include <cmath>
+#include <random>
+#include <utility>
+#include <vector>
+
+namespace {
+
+constexpr double kEps = 2.220446049250313e-16;
+constexpr unsigned kSeed = 9001u;
+
+void Fill2(MSymmetricMatrix &s, double a00, double a10, double a11) {
+  ASSERT_TRUE(s.SetDimensions(2, 2));
+  s.Element(0, 0) = a00;
+  s.Element(1, 0) = a10;
+  s.Element(1, 1) = a11;
+}
+
+void FreeRows(double **vectors, unsigned n) {
+  for (unsigned i = 0; i < n; ++i) delete[] vectors[i];
+  delete[] vectors;
+}
+
+TEST(SymmetricMatrix, PackedStorageAndCopies) {
+  MSymmetricMatrix s(3);
+  EXPECT_EQ(&s.Element(2, 1), &s.Element(1, 2));
+  EXPECT_EQ(&s.Element(2, 1), s.data + 4);  // 2*3/2 + 1
+  EXPECT_FALSE(s.SetDimensions(3, 4));
+  EXPECT_EQ(s.GetNumColumns(), 3u);
+  s.MakeIdentity();
+  s.Element(1, 0) = 2.0;
+  EXPECT_EQ(s.GetEuclidNormSq(), 11.0);  // off-diagonal counted twice
+  EXPECT_EQ(s.GetOffDiagonalEuclidNormSq(), 8.0);
+  MSymmetricMatrix scaled(3);
+  s.MultiplyDiagonal(scaled, 10.0);
+  EXPECT_EQ(scaled.Value(1, 1), 10.0);
+  EXPECT_EQ(scaled.Value(0, 1), 2.0);
+  // The copy is shallow on purpose; detach it so only one object frees.
+  MSymmetricMatrix shallow(s);
+  EXPECT_EQ(shallow.data, s.data);
+  shallow.data = nullptr;
+  MSymmetricMatrix moved(std::move(scaled));
+  EXPECT_EQ(scaled.data, nullptr);
+  EXPECT_EQ(moved.Value(1, 1), 10.0);
+
+  MLowerTriangularMatrix g;
+  ASSERT_TRUE(g.SetDimensions(2, 2));
+  g.Element(0, 0) = 7.0;
+  EXPECT_EQ(g.Value(0, 1), 0.0);
+  EXPECT_EQ(&g.Element(0, 1), &g.Element(0, 0));  // above the diagonal: element (0,0)
+}
+
+TEST(Cholesky, DocumentedCases) {
+  MSymmetricMatrix a, zero, indefinite;
+  Fill2(a, 4, 2, 3);
+  MLowerTriangularMatrix g, untouched;
+  ASSERT_TRUE(a.FACTORISE_CHOLESKY(g));
+  EXPECT_EQ(a.data, nullptr);  // moved out, this one empty
+  EXPECT_EQ(a.GetNumRows(), 0u);
+  EXPECT_EQ(g.Value(0, 0), 2.0);
+  EXPECT_EQ(g.Value(1, 0), 1.0);
+  EXPECT_DOUBLE_EQ(g.Value(1, 1), std::sqrt(2.0));  // computed as 2 / sqrt(2)
+  Fill2(zero, 0, 0, 0);
+  EXPECT_FALSE(zero.FactoriseCholesky());
+  Fill2(indefinite, 1, 2, 1);
+  EXPECT_FALSE(indefinite.FACTORISE_CHOLESKY(untouched));
+  EXPECT_EQ(untouched.data, nullptr);
+  EXPECT_EQ(indefinite.Value(1, 1), -3.0);  // 1 - 2*2: the failing pivot, left in place
+}
+
+TEST(Cholesky, ReconstructionAndSolveOnRandomMatrices) {
+  std::mt19937 rng(kSeed);
+  std::uniform_real_distribution<double> u(-1.0, 1.0);
+  for (int trial = 0; trial < 100; ++trial) {
+    SCOPED_TRACE(testing::Message() << "seed " << kSeed << " trial " << trial);
+    const unsigned n = 1 + trial % 7;
+    // A = B^T B + n I: symmetric positive definite, condition below ~5.
+    std::vector<double> b(n * n), x(n), rhs(n, 0.0);
+    for (double &v : b) v = u(rng);
+    MSymmetricMatrix a(n), original(n);
+    for (unsigned i = 0; i < n; ++i)
+      for (unsigned j = 0; j <= i; ++j) {
+        double sum = i == j ? n : 0.0;
+        for (unsigned k = 0; k < n; ++k) sum += b[k * n + i] * b[k * n + j];
+        a.Element(i, j) = sum;
+      }
+    original.Copy(&a);
+    MLowerTriangularMatrix g;
+    ASSERT_TRUE(a.FACTORISE_CHOLESKY(g));
+    for (unsigned i = 0; i < n; ++i) {
+      x[i] = 1.0 - 0.5 * i;
+      for (unsigned j = 0; j <= i; ++j) {
+        double sum = 0.0;
+        for (unsigned k = 0; k <= j; ++k) sum += g.Value(i, k) * g.Value(j, k);
+        EXPECT_NEAR(sum, original.Value(i, j), 32 * kEps * n);  // elements up to ~2n, backward stable
+      }
+    }
+    for (unsigned i = 0; i < n; ++i)
+      for (unsigned j = 0; j < n; ++j) rhs[i] += original.Value(i, j) * x[j];
+    ASSERT_TRUE(g.SOLVE_G_TG_X_B(rhs.data()));
+    for (unsigned i = 0; i < n; ++i) EXPECT_NEAR(rhs[i], x[i], 1e-13);
+  }
+}
+
+TEST(Jacobi, IndicesAndDiagonalCases) {
+  MSymmetricMatrix s(3);
+  s.SetToZero();
+  unsigned p = 9, q = 9;
+  s.ChooseJacobiIndices(p, q);
+  EXPECT_EQ(p + q, 0u);  // diagonal: (0, 0)
+  s.Element(2, 0) = -3.0;
+  s.Element(1, 0) = 3.0;
+  s.ChooseJacobiIndices(p, q);
+  EXPECT_EQ(q, 1u);  // tie of (0,1) and (0,2): first in row-major order
+  // A diagonal matrix: one pass with p = q = 0 and the identity rotation;
+  // values sorted by magnitude, identity rows permuted alike. (A matrix
+  // that is not diagonal would not end: the rotation is not a similarity.)
+  MSymmetricMatrix d(3);
+  d.SetToZero();
+  d.Element(0, 0) = 2.0;
+  d.Element(1, 1) = -5.0;
+  d.Element(2, 2) = 3.0;
+  double **vectors = nullptr, values[3];
+  d.GetEigensJacobi(vectors, values, 1e-12);
+  EXPECT_EQ(std::vector<double>(values, values + 3), (std::vector<double>{-5, 3, 2}));
+  EXPECT_EQ(vectors[0][1] + vectors[1][2] + vectors[2][0], 3.0);
+  FreeRows(vectors, 3);
+  // A tolerance of 1 or more skips the iteration altogether.
+  MSymmetricMatrix full;
+  Fill2(full, 2, 1, 3);
+  full.GetEigensJacobi(vectors, values, 1.0);
+  EXPECT_EQ(values[0], 3.0);
+  EXPECT_EQ(vectors[0][1], 1.0);
+  FreeRows(vectors, 2);
+  // A zero first diagonal element gives theta = 0/0.
+  MSymmetricMatrix zeroFirst;
+  Fill2(zeroFirst, 0, 0, 1);
+  zeroFirst.GetEigensJacobi(vectors, values, 1e-12);
+  EXPECT_TRUE(std::isnan(values[0]) || std::isnan(values[1]));
+  FreeRows(vectors, 2);
+}
+
+}  // namespace
