@@ -15,18 +15,12 @@ using P3 = MMPoint3d<double>;
 // `calculated`.
 class PlaneProbe : public MMLeastSquarePlane {
  public:
+  explicit PlaneProbe(const std::vector<P3> &points = {}) {
+    for (const P3 &p : points) AddPoint(p.x, p.y, p.z);
+  }
   void SetSums(std::uint32_t n, double sx, double sy, double sz, double sxx, double syy, double szz, double sxy,
                double sxz, double syz) {
-    count = n;
-    Sx = sx;
-    Sy = sy;
-    Sz = sz;
-    Sxx = sxx;
-    Syy = syy;
-    Szz = szz;
-    Sxy = sxy;
-    Sxz = sxz;
-    Syz = syz;
+    count = n, Sx = sx, Sy = sy, Sz = sz, Sxx = sxx, Syy = syy, Szz = szz, Sxy = sxy, Sxz = sxz, Syz = syz;
     calculated = false;
   }
   bool IsCalculated() const { return calculated; }
@@ -39,9 +33,8 @@ P3 Normal(const MMPlaneEq<double> &p) { return P3(p.A(), p.B(), p.C()); }
 std::vector<P3> NoisyPlane(std::mt19937 &rng, const P3 &origin, const P3 &u, const P3 &v, double sigma, int n) {
   std::uniform_real_distribution<double> spread(-10.0, 10.0);
   std::normal_distribution<double> noise(0.0, sigma);
-  const P3 normal = u.Cross(v);
   std::vector<P3> points;
-  for (int i = 0; i < n; ++i) points.push_back(origin + u * spread(rng) + v * spread(rng) + normal * noise(rng));
+  for (int i = 0; i < n; ++i) points.push_back(origin + u * spread(rng) + v * spread(rng) + u.Cross(v) * noise(rng));
   return points;
 }
 
@@ -54,7 +47,6 @@ TEST(LeastSquarePlane, NoisyPlanesRecovered) {
     a.Normalise();
     b = b - a * a.Dot(b);
     b.Normalise();
-    const P3 n = a.Cross(b);
     const P3 origin(u(rng) * 100, u(rng) * 100, u(rng) * 100);
     const std::vector<P3> points = NoisyPlane(rng, origin, a, b, 0.01, 500);
     MMLeastSquarePlane fit;
@@ -63,29 +55,21 @@ TEST(LeastSquarePlane, NoisyPlanesRecovered) {
     const MMPlaneEq<double> plane = fit.GetPlane();
     // Tilt error of 500 samples with noise 0.01 over a 20 x 20 patch: about
     // 1e-4 rad; 2e-3 leaves a wide margin.
-    EXPECT_NEAR(std::abs(Normal(plane).Dot(n)), 1.0, 2e-3) << "seed " << seed << " trial " << trial;
+    EXPECT_NEAR(std::abs(Normal(plane).Dot(a.Cross(b))), 1.0, 2e-3) << "seed " << seed << " trial " << trial;
     EXPECT_NEAR(plane.Distance(origin), 0.0, 5e-3);
     EXPECT_NEAR(fit.GetStandardDeviation(), 0.01, 2e-3);  // the noise itself
     EXPECT_GE(fit.GetMaxDeviation(), fit.GetStandardDeviation());
-
     // Incremental use gives the same plane as the list.
-    MMLeastSquarePlane incremental;
-    for (const P3 &p : points) incremental.AddPoint(p.x, p.y, p.z);
-    const MMPlaneEq<double> again = incremental.GetPlane();
-    EXPECT_EQ(Normal(again), Normal(plane));
-    EXPECT_EQ(again.D(), plane.D());
+    const MMPlaneEq<double> again = PlaneProbe(points).GetPlane();
+    EXPECT_TRUE(Normal(again) == Normal(plane) && again.D() == plane.D());
   }
 }
 
 TEST(LeastSquarePlane, LargeCoordinatesAndGivenSums) {
   // Three points near 1e7, all with y = 9950000, through the sums.
-  MMLeastSquarePlane big;
-  big.AddPoint(10004886, 9950000, 9968463);
-  big.AddPoint(10004886, 9950000, 9968464);
-  big.AddPoint(10004887, 9950000, 9968463);
+  PlaneProbe big({P3(10004886, 9950000, 9968463), P3(10004886, 9950000, 9968464), P3(10004887, 9950000, 9968463)});
   EXPECT_GT(std::abs(big.GetPlane().B()), 0.9);
   EXPECT_EQ(big.GetAveragePoint().y, 9950000.0);
-
   // Five points with Sz = 0.1, Sxx = Syy = 4, Szz = 0.01 and all else 0.
   PlaneProbe probe;
   probe.SetSums(5, 0, 0, 0.1, 4, 4, 0.01, 0, 0, 0);
@@ -94,18 +78,14 @@ TEST(LeastSquarePlane, LargeCoordinatesAndGivenSums) {
 }
 
 TEST(LeastSquarePlane, DegenerateInputs) {
-  PlaneProbe two;
-  two.AddPoint(0, 0, 0);
-  two.AddPoint(1, 2, 3);
+  PlaneProbe two({P3(0, 0, 0), P3(1, 2, 3)});
   two.Calculate();
   EXPECT_TRUE(two.GetIsLine());
-  EXPECT_FALSE(two.IsCalculated());  // every GetPlane repeats the work
   two.GetPlane();
-  EXPECT_FALSE(two.IsCalculated());
+  EXPECT_FALSE(two.IsCalculated());  // every GetPlane repeats the work
   two.Init();
   EXPECT_TRUE(two.GetIsLine());  // Init leaves it as the last fit set it
   EXPECT_EQ(two.GetNumPoints(), 0u);
-  EXPECT_EQ(two.GetAveragePoint(), P3(0, 0, 0));
 
   // Ten collinear points: not a line for Calculate(); some plane holds them.
   std::vector<P3> line;
@@ -123,63 +103,49 @@ TEST(LeastSquarePlane, DegenerateInputs) {
   stale.AddPoint(5, 5, 5);
   stale.Calculate();
   EXPECT_EQ(stale.GetStandardDeviation(), before);
-
   // Empty list: not-a-number in the deviation.
-  MMLeastSquarePlane empty;
-  empty.Calculate(std::vector<P3>{});
-  EXPECT_TRUE(std::isnan(empty.GetStandardDeviation()));
+  stale.Calculate(std::vector<P3>{});
+  EXPECT_TRUE(std::isnan(stale.GetStandardDeviation()));
 }
 
 TEST(LeastSquarePlane, ThroughOrigin) {
-  // Points on x = 0: the closed form vanishes, the coordinate plane wins.
-  MMLeastSquarePlane onX;
-  onX.AddPoint(0, 1, 2);
-  onX.AddPoint(0, -3, 1);
-  onX.AddPoint(0, 2, -5);
-  onX.CalculateThroughOrigin();
-  MMPlaneEq<double> p = onX.GetPlane();
-  EXPECT_EQ(Normal(p), P3(1, 0, 0));
-  EXPECT_EQ(p.D(), 0.0);
-  EXPECT_FALSE(onX.GetIsLine());
-
-  // Points on the x axis: the all-zero plane and a line.
-  MMLeastSquarePlane onAxis;
-  for (int i = 1; i <= 4; ++i) onAxis.AddPoint(i, 0, 0);
-  onAxis.CalculateThroughOrigin();
-  EXPECT_TRUE(onAxis.GetIsLine());
-  EXPECT_FALSE(onAxis.GetPlane().IsPlane());
-
+  const struct {
+    const char *name;
+    std::vector<P3> points;
+    P3 normal;
+    double d;
+    bool isLine;
+  } cases[] = {
+      // The closed form vanishes on x = 0: the coordinate plane wins.
+      {"on x = 0", {P3(0, 1, 2), P3(0, -3, 1), P3(0, 2, -5)}, P3(1, 0, 0), 0.0, false},
+      {"on the x axis", {P3(1, 0, 0), P3(2, 0, 0), P3(3, 0, 0), P3(4, 0, 0)}, P3(0, 0, 0), 0.0, true},
+      // Ill-conditioned patch off the origin: the closed form of a x + b y + c z = 1.
+      {"small patch at z = 2", {P3(0.01, 0, 2), P3(0, 0.01, 2), P3(-0.01, -0.01, 2)}, P3(0, 0, 1), -2.0, false},
+  };
+  for (const auto &c : cases) {
+    PlaneProbe fit(c.points);
+    fit.CalculateThroughOrigin();
+    const MMPlaneEq<double> p = fit.GetPlane();
+    EXPECT_NEAR((Normal(p) - c.normal).Length(), 0.0, 1e-12) << c.name;
+    EXPECT_NEAR(p.D(), c.d, 1e-12) << c.name;
+    EXPECT_EQ(fit.GetIsLine(), c.isLine) << c.name;
+  }
   // Well-conditioned sums: the eigenvector branch, d = 0.
   const unsigned seed = 8u;
   std::mt19937 rng(seed);
-  MMLeastSquarePlane origin;
-  for (const P3 &q : NoisyPlane(rng, P3(0, 0, 0), P3(0.6, 0.8, 0), P3(0, 0, 1), 0.05, 200)) {
-    origin.AddPoint(q.x, q.y, q.z);
-  }
+  PlaneProbe origin(NoisyPlane(rng, P3(0, 0, 0), P3(0.6, 0.8, 0), P3(0, 0, 1), 0.05, 200));
   origin.CalculateThroughOrigin();
-  p = origin.GetPlane();
+  const MMPlaneEq<double> p = origin.GetPlane();
   EXPECT_EQ(p.D(), 0.0);
-  EXPECT_NEAR(std::abs(Normal(p).Dot(P3(0.8, -0.6, 0))), 1.0, 1e-3);
-
-  // Ill-conditioned: a small patch off the origin takes the closed form of
-  // a x + b y + c z = 1, which is the plane z = 2 here.
-  MMLeastSquarePlane patch;
-  patch.AddPoint(0.01, 0, 2);
-  patch.AddPoint(0, 0.01, 2);
-  patch.AddPoint(-0.01, -0.01, 2);
-  patch.CalculateThroughOrigin();
-  p = patch.GetPlane();
-  EXPECT_NEAR(p.C(), 1.0, 1e-12);
-  EXPECT_NEAR(p.D(), -2.0, 1e-12);
+  EXPECT_NEAR(std::abs(Normal(p).Dot(P3(0.8, -0.6, 0))), 1.0, 1e-3);  // noise 0.05 over 200 points
 }
 
 TEST(LeastSquarePlane, WeightZeroCountsOnlyInDeviations) {
-  std::vector<std::pair<P3, double>> weighted = {
-      {P3(0, 0, 0), 1.0}, {P3(1, 0, 0), 1.0}, {P3(0, 1, 0), 1.0}, {P3(1, 1, 0), 1.0}, {P3(0.5, 0.5, 4.0), 0.0}};
   MMLeastSquarePlane fit;
-  fit.CalculateWeighted(weighted);
+  fit.CalculateWeighted(
+      {{P3(0, 0, 0), 1.0}, {P3(1, 0, 0), 1.0}, {P3(0, 1, 0), 1.0}, {P3(1, 1, 0), 1.0}, {P3(0.5, 0.5, 4.0), 0.0}});
   const MMPlaneEq<double> p = fit.GetPlane();
-  EXPECT_NEAR(std::abs(p.C()), 1.0, 1e-12);  // the outlier does not tilt the plane
+  EXPECT_NEAR(std::abs(p.C()), 1.0, 1e-12);  // the outlier does not tilt or move the plane
   EXPECT_NEAR(p.D(), 0.0, 1e-12);
   EXPECT_NEAR(fit.GetMaxDeviation(), 4.0, 1e-12);
   EXPECT_NEAR(fit.GetStandardDeviation(), std::sqrt(16.0 / 5.0), 1e-12);  // divided by all 5 entries
@@ -190,15 +156,16 @@ TEST(LeastSquareCircle, KnownCirclesWithNoise) {
   std::mt19937 rng(seed);
   std::normal_distribution<double> noise(0.0, 0.001);
   std::uniform_real_distribution<double> angle(0.0, 6.283185307179586);
-  struct Case {
+  const struct {
     P3 centre, u, v;  // the circle's plane is spanned by u and v
     double radius;
   } cases[] = {
-      {P3(1, 2, 3), P3(1, 0, 0), P3(0, 1, 0), 5.0},            // normal along z
-      {P3(-4, 0, 7), P3(0, 1, 0), P3(0, 0, 1), 2.5},           // normal along x
-      {P3(3, 3, 3), P3(0, 0, 1), P3(0.6, -0.8, 0), 10.0},      // normal (0.8, 0.6, 0) in the x-y plane
+      // Normals along z, along x, and (0.8, 0.6, 0) in the x-y plane.
+      {P3(1, 2, 3), P3(1, 0, 0), P3(0, 1, 0), 5.0},
+      {P3(-4, 0, 7), P3(0, 1, 0), P3(0, 0, 1), 2.5},
+      {P3(3, 3, 3), P3(0, 0, 1), P3(0.6, -0.8, 0), 10.0},
   };
-  for (const Case &c : cases) {
+  for (const auto &c : cases) {
     std::vector<P3> points;
     for (int i = 0; i < 300; ++i) {
       const double a = angle(rng), r = c.radius + noise(rng);
@@ -206,8 +173,7 @@ TEST(LeastSquareCircle, KnownCirclesWithNoise) {
     }
     MMLeastSquareCircle fit;
     fit.Calculate(points);
-    ASSERT_TRUE(fit.calculated);
-    EXPECT_FALSE(fit.isLine);
+    ASSERT_TRUE(fit.calculated && !fit.isLine);
     // Noise 0.001 over 300 samples: centre and radius to a few 1e-4.
     EXPECT_NEAR(fit.radius, c.radius, 1e-3) << "seed " << seed;
     EXPECT_NEAR((fit.centre - c.centre).Length(), 0.0, 2e-3) << "seed " << seed;
@@ -218,16 +184,13 @@ TEST(LeastSquareCircle, KnownCirclesWithNoise) {
 }
 
 TEST(LeastSquareCircle, DegenerateInputsReportALine) {
-  const std::vector<std::vector<P3>> inputs = {
-      {P3(0, 0, 0), P3(1, 0, 0), P3(2, 0, 0), P3(3, 0, 0)},  // collinear
-      {P3(1, 1, 1), P3(1, 1, 1), P3(1, 1, 1)},               // coincident
-      {P3(0, 0, 0), P3(1, 1, 0)},                            // too few
-  };
-  for (const auto &points : inputs) {
+  // Collinear, coincident, too few.
+  for (const auto &points : std::vector<std::vector<P3>>{{P3(0, 0, 0), P3(1, 0, 0), P3(2, 0, 0), P3(3, 0, 0)},
+                                                         {P3(1, 1, 1), P3(1, 1, 1), P3(1, 1, 1)},
+                                                         {P3(0, 0, 0), P3(1, 1, 0)}}) {
     MMLeastSquareCircle fit;
     fit.Calculate(points);
-    EXPECT_TRUE(fit.isLine) << points.size() << " points";
-    EXPECT_FALSE(fit.calculated);
+    EXPECT_TRUE(fit.isLine && !fit.calculated) << points.size() << " points";
   }
 }
 
