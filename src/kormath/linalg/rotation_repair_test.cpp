@@ -36,11 +36,11 @@ MMatrix3x3 Block(const MMTransformMatrix &t) {
   return b;
 }
 
-MMTransformMatrix FromBlock(const MMatrix3x3 &block) {
+MMTransformMatrix FromBlock(const MMatrix3x3 &block, double shift) {
   MMTransformMatrix t;
   for (int i = 0; i < 3; ++i)
     for (int j = 0; j < 3; ++j) t.Matrix[i][j] = block.m[i][j];
-  t.Matrix[0][3] = 5.0;
+  t.Matrix[0][3] = shift;
   t.VerifyAndSetClass();
   return t;
 }
@@ -55,11 +55,10 @@ TEST(MakeOrthonormal, RotationsRoundTripThroughEveryCandidate) {
     const MMPoint3d<double> axis = trial < 5 ? MMPoint3d<double>(trial == 0, trial == 1, trial >= 2 ? 1 : 0)
                                              : MMPoint3d<double>(n(rng), n(rng), n(rng));
     const MMatrix3x3 r = AxisAngle(axis, trial < 5 ? M_PI - 0.01 * (trial == 4) : angle(rng));
-    MMatrix3x3 repaired(r);
+    MMatrix3x3 repaired(r), perturbed(r);
     ASSERT_TRUE(KorMathUtility::MakeOrthonormal(repaired));
     EXPECT_LT(MaxDifference(repaired, r), 16 * kEps);  // a few roundings of unit-size terms
     // A perturbed rotation comes back orthonormal and near the rotation.
-    MMatrix3x3 perturbed(r);
     for (auto &row : perturbed.m)
       for (double &v : row) v += 1e-6 * n(rng);
     ASSERT_TRUE(KorMathUtility::MakeOrthonormal(perturbed));
@@ -69,16 +68,15 @@ TEST(MakeOrthonormal, RotationsRoundTripThroughEveryCandidate) {
 }
 
 TEST(MakeOrthonormal, DegenerateInputs) {
-  MMatrix3x3 identity = MMatrix3x3::Identity(), zero;
-  ASSERT_TRUE(KorMathUtility::MakeOrthonormal(identity));
-  EXPECT_EQ(MaxDifference(identity, MMatrix3x3::Identity()), 0.0);
-  ASSERT_TRUE(KorMathUtility::MakeOrthonormal(zero));  // t0 = 1 wins the four-way tie
-  EXPECT_EQ(MaxDifference(zero, MMatrix3x3::Identity()), 0.0);
-  MMatrix3x3 reflection(-1, 0, 0, 0, 1, 0, 0, 0, 1);
+  // The identity stays; the zero matrix becomes it (t0 = 1 wins the four-way tie).
+  for (MMatrix3x3 a : {MMatrix3x3::Identity(), MMatrix3x3()}) {
+    ASSERT_TRUE(KorMathUtility::MakeOrthonormal(a));
+    EXPECT_EQ(MaxDifference(a, MMatrix3x3::Identity()), 0.0);
+  }
+  MMatrix3x3 reflection(-1, 0, 0, 0, 1, 0, 0, 0, 1), bad(NAN, 0, 0, 0, 1, 0, 0, 0, 1);
   ASSERT_TRUE(KorMathUtility::MakeOrthonormal(reflection));
   EXPECT_NEAR(reflection.Determinant(), 1.0, 4 * kEps);  // always proper
   // The four candidates add up to 4, so only NaN makes them all fail.
-  MMatrix3x3 bad(NAN, 0, 0, 0, 1, 0, 0, 0, 1);
   EXPECT_FALSE(KorMathUtility::MakeOrthonormal(bad));
   EXPECT_EQ(bad.m[1][1], 1.0);  // left as it was
 }
@@ -87,7 +85,7 @@ TEST(MakeOrthonormal, TransformBlocks) {
   const MMatrix3x3 r = AxisAngle(MMPoint3d<double>(1, 2, 3), 0.7);
   MMatrix3x3 perturbed(r);
   perturbed.m[0][1] += 1e-4;
-  MMTransformMatrix t = FromBlock(perturbed), ortho = FromBlock(r);
+  MMTransformMatrix t = FromBlock(perturbed, 5.0), ortho = FromBlock(r, 5.0);
   ASSERT_EQ(t.GetClass(), MMTransformClass::General);
   ASSERT_TRUE(KorMathUtility::MakeOrthonormal(t));
   EXPECT_EQ(t.GetClass(), MMTransformClass::General);  // not refreshed here
@@ -101,14 +99,11 @@ TEST(MakeOrthonormal, TransformBlocks) {
   // the columns come out orthogonal; unequal lengths stay General.
   MMatrix3x3 scaled = AxisAngle(MMPoint3d<double>(0.3, -1, 0.2), 0.4) * MMatrix3x3(2, 0, 0, 0, 3, 0, 0, 0, 0.5);
   scaled.m[1][0] += 1e-5;
-  MMTransformMatrix s = FromBlock(scaled);
-  s.Matrix[0][3] = 0.0;
-  s.VerifyAndSetClass();
+  MMTransformMatrix s = FromBlock(scaled, 0.0), uniform;
   ASSERT_TRUE(KorMathUtility::MakeOrthogonal(s));
   const MMatrix3x3 ata = Block(s).GetATransposeA();
   EXPECT_LT(std::fabs(ata.m[0][1]) + std::fabs(ata.m[0][2]) + std::fabs(ata.m[1][2]), 1e-14);
   EXPECT_EQ(s.GetClass(), MMTransformClass::General);
-  MMTransformMatrix uniform;
   uniform.MakeScale1D(2.0);
   ASSERT_TRUE(KorMathUtility::MakeOrthogonal(uniform));
   EXPECT_EQ(uniform.Matrix[0][0], 2.0);

@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 #include <kormath/linalg/symmetric_matrix.h>
 
+#include <algorithm>
 #include <cmath>
 #include <random>
 #include <utility>
@@ -11,11 +12,11 @@ namespace {
 constexpr double kEps = 2.220446049250313e-16;
 constexpr unsigned kSeed = 9001u;
 
-void Fill2(MSymmetricMatrix &s, double a00, double a10, double a11) {
-  ASSERT_TRUE(s.SetDimensions(2, 2));
-  s.Element(0, 0) = a00;
-  s.Element(1, 0) = a10;
-  s.Element(1, 1) = a11;
+// Order n from the packed lower triangle, row by row.
+MSymmetricMatrix Packed(unsigned n, std::initializer_list<double> lower) {
+  MSymmetricMatrix s(n);
+  std::copy(lower.begin(), lower.end(), s.data);
+  return s;
 }
 
 void FreeRows(double **vectors, unsigned n) {
@@ -24,7 +25,7 @@ void FreeRows(double **vectors, unsigned n) {
 }
 
 TEST(SymmetricMatrix, PackedStorageAndCopies) {
-  MSymmetricMatrix s(3);
+  MSymmetricMatrix s(3), scaled(3);
   EXPECT_EQ(&s.Element(2, 1), &s.Element(1, 2));
   EXPECT_EQ(&s.Element(2, 1), s.data + 4);  // 2*3/2 + 1
   EXPECT_FALSE(s.SetDimensions(3, 4));
@@ -33,7 +34,6 @@ TEST(SymmetricMatrix, PackedStorageAndCopies) {
   s.Element(1, 0) = 2.0;
   EXPECT_EQ(s.GetEuclidNormSq(), 11.0);  // off-diagonal counted twice
   EXPECT_EQ(s.GetOffDiagonalEuclidNormSq(), 8.0);
-  MSymmetricMatrix scaled(3);
   s.MultiplyDiagonal(scaled, 10.0);
   EXPECT_EQ(scaled.Value(1, 1), 10.0);
   EXPECT_EQ(scaled.Value(0, 1), 2.0);
@@ -53,8 +53,7 @@ TEST(SymmetricMatrix, PackedStorageAndCopies) {
 }
 
 TEST(Cholesky, DocumentedCases) {
-  MSymmetricMatrix a, zero, indefinite;
-  Fill2(a, 4, 2, 3);
+  MSymmetricMatrix a = Packed(2, {4, 2, 3}), zero = Packed(2, {0, 0, 0}), indefinite = Packed(2, {1, 2, 1});
   MLowerTriangularMatrix g, untouched;
   ASSERT_TRUE(a.FACTORISE_CHOLESKY(g));
   EXPECT_EQ(a.data, nullptr);  // moved out, this one empty
@@ -62,9 +61,7 @@ TEST(Cholesky, DocumentedCases) {
   EXPECT_EQ(g.Value(0, 0), 2.0);
   EXPECT_EQ(g.Value(1, 0), 1.0);
   EXPECT_DOUBLE_EQ(g.Value(1, 1), std::sqrt(2.0));  // computed as 2 / sqrt(2)
-  Fill2(zero, 0, 0, 0);
   EXPECT_FALSE(zero.FactoriseCholesky());
-  Fill2(indefinite, 1, 2, 1);
   EXPECT_FALSE(indefinite.FACTORISE_CHOLESKY(untouched));
   EXPECT_EQ(untouched.data, nullptr);
   EXPECT_EQ(indefinite.Value(1, 1), -3.0);  // 1 - 2*2: the failing pivot, left in place
@@ -77,16 +74,13 @@ TEST(Cholesky, ReconstructionAndSolveOnRandomMatrices) {
     SCOPED_TRACE(testing::Message() << "seed " << kSeed << " trial " << trial);
     const unsigned n = 1 + trial % 7;
     // A = B^T B + n I: symmetric positive definite, condition below ~5.
-    std::vector<double> b(n * n), x(n), rhs(n, 0.0);
-    for (double &v : b) v = u(rng);
-    MSymmetricMatrix a(n), original(n);
-    for (unsigned i = 0; i < n; ++i)
-      for (unsigned j = 0; j <= i; ++j) {
-        double sum = i == j ? n : 0.0;
-        for (unsigned k = 0; k < n; ++k) sum += b[k * n + i] * b[k * n + j];
-        a.Element(i, j) = sum;
-      }
+    MGeneralMatrix b(n, n);
+    for (unsigned i = 0; i < n * n; ++i) b.data[i] = u(rng);
+    MSymmetricMatrix a, original(n);
+    ASSERT_TRUE(b.CreateATransposeA(a));
+    for (unsigned i = 0; i < n; ++i) a.Element(i, i) += n;
     original.Copy(&a);
+    std::vector<double> x(n), rhs(n, 0.0);
     MLowerTriangularMatrix g;
     ASSERT_TRUE(a.FACTORISE_CHOLESKY(g));
     for (unsigned i = 0; i < n; ++i) {
@@ -117,27 +111,17 @@ TEST(Jacobi, IndicesAndDiagonalCases) {
   // A diagonal matrix: one pass with p = q = 0 and the identity rotation;
   // values sorted by magnitude, identity rows permuted alike. (A matrix
   // that is not diagonal would not end: the rotation is not a similarity.)
-  MSymmetricMatrix d(3);
-  d.SetToZero();
-  d.Element(0, 0) = 2.0;
-  d.Element(1, 1) = -5.0;
-  d.Element(2, 2) = 3.0;
+  MSymmetricMatrix d = Packed(3, {2, 0, -5, 0, 0, 3}), full = Packed(2, {2, 1, 3}), zeroFirst = Packed(2, {0, 0, 1});
   double **vectors = nullptr, values[3];
   d.GetEigensJacobi(vectors, values, 1e-12);
   EXPECT_EQ(std::vector<double>(values, values + 3), (std::vector<double>{-5, 3, 2}));
   EXPECT_EQ(vectors[0][1] + vectors[1][2] + vectors[2][0], 3.0);
   FreeRows(vectors, 3);
-  // A tolerance of 1 or more skips the iteration altogether.
-  MSymmetricMatrix full;
-  Fill2(full, 2, 1, 3);
-  full.GetEigensJacobi(vectors, values, 1.0);
+  full.GetEigensJacobi(vectors, values, 1.0);  // a tolerance of 1 or more skips the iteration
   EXPECT_EQ(values[0], 3.0);
   EXPECT_EQ(vectors[0][1], 1.0);
   FreeRows(vectors, 2);
-  // A zero first diagonal element gives theta = 0/0.
-  MSymmetricMatrix zeroFirst;
-  Fill2(zeroFirst, 0, 0, 1);
-  zeroFirst.GetEigensJacobi(vectors, values, 1e-12);
+  zeroFirst.GetEigensJacobi(vectors, values, 1e-12);  // theta = 0/0
   EXPECT_TRUE(std::isnan(values[0]) || std::isnan(values[1]));
   FreeRows(vectors, 2);
 }
