@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <iterator>
+#include <numeric>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -14,161 +14,105 @@ namespace {
 
 constexpr std::uint64_t kAllOnes = ~static_cast<std::uint64_t>(0);
 constexpr double kMaxDouble = 1.7976931348623157e308;
+using P = MMPoint3d<double>;
 
-MClosestPointInfo Record(double residue, std::uint64_t tag) {
-  MClosestPointInfo r;
-  r.SetResidue(residue);
-  r.SetInputIndex(tag);
-  return r;
+// Records tagged by input index with the given residues; the output points lie at 2D distance residues[i] from
+// the input at the origin, offset in z by 100 times that.
+template <class C>
+C Records(std::vector<double> const &residues) {
+  C out;
+  for (std::size_t i = 0; i < residues.size(); ++i) {
+    MClosestPointInfo r;
+    r.SetInputIndex(i);
+    r.SetResidue(residues[i]);
+    r.SetInputPoint(P(0, 0, 0));
+    r.SetOutputPoint(P(0.6 * residues[i], 0.8 * residues[i], 100.0 * residues[i]));
+    out.push_back(r);
+  }
+  return out;
 }
 
-MClosestPointInfoList ListOf(std::vector<double> const &residues) {
-  MClosestPointInfoList list;
-  for (std::size_t i = 0; i < residues.size(); ++i) list.push_back(Record(residues[i], i));
-  return list;
-}
-
-TEST(ClosestPointInfo, DefaultsAndCopies) {
-  MClosestPointInfo r;
-  const MMPoint3d<double> minus(-1.0, -1.0, -1.0);
-  EXPECT_EQ(r.GetInputPoint(), minus);
-  EXPECT_EQ(r.GetOutputPoint(), minus);
-  EXPECT_EQ(r.GetInputIndex(), kAllOnes);
-  EXPECT_EQ(r.GetOutputIndex(), kAllOnes);
-  EXPECT_EQ(r.GetResidue(), kMaxDouble);
-  EXPECT_EQ(r.inputPoint, &r.second);
-  EXPECT_EQ(r.outputPoint, &r.first);
-
-  r.SetInputPoint(MMPoint3d<double>(1, 2, 3));
-  r.SetOutputPoint(MMPoint3d<double>(4, 6, 3));
-  r.SetOutputIndex(7);
+TEST(ClosestPointInfo, CopiesComparisonAndRearming) {
+  MClosestPointInfo r, assigned, other;
+  r.SetInputPoint(P(1, 2, 3));
+  r.SetOutputPoint(P(4, 6, 3));
   r.UpdateResidues();
   EXPECT_EQ(r.GetResidue(), 5.0);
-
+  // Copies point at their own storage.
   MClosestPointInfo copy(r);
-  EXPECT_EQ(copy.outputPoint, &copy.first);  // its own storage
-  copy.outputPoint->x = 100.0;
-  EXPECT_EQ(r.GetOutputPoint().x, 4.0);
-  EXPECT_EQ(copy.GetOutputIndex(), 7u);
-  EXPECT_EQ(copy.GetResidue(), 5.0);
-
-  MClosestPointInfo assigned;
   assigned = r;
-  EXPECT_EQ(assigned.inputPoint, &assigned.second);
-  EXPECT_EQ(assigned.GetInputPoint(), r.GetInputPoint());
-
+  copy.outputPoint->x = assigned.inputPoint->x = 100.0;
+  EXPECT_TRUE(r.GetOutputPoint() == P(4, 6, 3) && r.GetInputPoint() == P(1, 2, 3));
+  EXPECT_TRUE(copy.GetInputPoint() == P(1, 2, 3) && assigned.GetOutputPoint() == P(4, 6, 3));
+  EXPECT_EQ(copy.GetResidue(), 5.0);
   // Comparisons look at the residue only.
-  MClosestPointInfo other;
   other.SetResidue(5.0);
   EXPECT_TRUE(other == r);
   other.SetResidue(4.0);
-  EXPECT_TRUE(other < r);
-  EXPECT_TRUE(r > other);
-
-  // Re-arming keeps the input.
+  EXPECT_TRUE(other < r && r > other);
+  // Re-arming keeps the input; full defaults clear it.
   r.SetDefaultsOutput();
-  EXPECT_EQ(r.GetOutputIndex(), kAllOnes);
-  EXPECT_EQ(r.GetResidue(), kMaxDouble);
-  EXPECT_EQ(r.GetInputPoint(), MMPoint3d<double>(1, 2, 3));
+  EXPECT_TRUE(r.GetOutputIndex() == kAllOnes && r.GetResidue() == kMaxDouble && r.GetOutputPoint() == P(-1, -1, -1));
+  EXPECT_EQ(r.GetInputPoint(), P(1, 2, 3));
   r.SetDefaults();
-  EXPECT_EQ(r.GetInputPoint(), minus);
+  EXPECT_TRUE(r.GetInputPoint() == P(-1, -1, -1) && r.GetInputIndex() == kAllOnes);
 }
 
 TEST(ClosestPointInfoList, MediansOddEvenAndEmpty) {
   MClosestPointInfoList empty;
   double mx = 42.0, mn = 43.0;
   EXPECT_EQ(empty.GetResiduMedian(), -1.0);
-  EXPECT_EQ(empty.GetResiduMedian(mx, mn), -1.0);
-  EXPECT_EQ(mx, 42.0);
-  EXPECT_EQ(mn, 43.0);
-  EXPECT_EQ(empty.GetResiduMedianXY(), 0.0);
-  EXPECT_EQ(empty.GetTotalError(), 0.0);
+  EXPECT_TRUE(empty.GetResiduMedian(mx, mn) == -1.0 && mx == 42.0 && mn == 43.0);
+  EXPECT_TRUE(empty.GetResiduMedianXY() == 0.0 && empty.GetTotalError() == 0.0);
 
+  // The 3D median is the upper middle value of an even count, the XY median the lower one.
   struct Case {
     std::vector<double> residues;
-    double median;
+    double median, medianXY;
   };
-  const std::vector<Case> cases = {{{2.5}, 2.5}, {{4, 1, 3, 2}, 3}, {{5, 1, 4, 2, 3}, 3}, {{6, 1, 5, 2, 4, 3}, 4}};
+  const std::vector<Case> cases = {
+      {{2.5}, 2.5, 2.5}, {{4, 1, 3, 2}, 3, 2}, {{5, 1, 4, 2, 3}, 3, 3}, {{6, 1, 5, 2, 4, 3}, 4, 3}};
+  MMTransformMatrix shift;
+  shift.MakeTranslation(P(0, 0, 3));
   for (auto const &c : cases) {
-    MClosestPointInfoList list = ListOf(c.residues);
-    EXPECT_EQ(list.GetResiduMedian(mx, mn), c.median);  // the upper middle for even counts
+    auto list = Records<MClosestPointInfoList>(c.residues);
+    EXPECT_EQ(list.GetResiduMedian(mx, mn), c.median);
     EXPECT_EQ(mx, *std::max_element(c.residues.begin(), c.residues.end()));
     EXPECT_EQ(mn, *std::min_element(c.residues.begin(), c.residues.end()));
-    double previous = -1.0;
-    for (auto const &r : list) {  // left in ascending order
-      EXPECT_LE(previous, r.GetResidue());
-      previous = r.GetResidue();
-    }
+    EXPECT_TRUE(std::is_sorted(list.begin(), list.end()));  // left in ascending order
+    // Totals: the stored residues as they are, or the 3D distances from the moved inputs (sums near 2000).
+    EXPECT_EQ(list.GetTotalError(), std::accumulate(c.residues.begin(), c.residues.end(), 0.0));
+    double expected = 0.0;
+    for (double v : c.residues) expected += std::sqrt(v * v + (100.0 * v - 3.0) * (100.0 * v - 3.0));
+    EXPECT_NEAR(list.GetTotalError(shift), expected, 1e-10);
+    // The XY form ignores z and the residue (set to -v and left alone: ascending residues mean descending XY).
+    for (auto &r : list) r.SetResidue(-r.GetResidue());
+    // 0.6v and 0.8v are not exact in binary; their 2D length is within a few ulps of v <= 6.
+    EXPECT_NEAR(list.GetResiduMedianXY(), c.medianXY, 4e-15);
+    EXPECT_TRUE(std::is_sorted(list.begin(), list.end()));
+    EXPECT_EQ(list.front().GetResidue(), -mx);
   }
-}
-
-TEST(ClosestPointInfoList, MedianXYIsLowerMiddleOfDescendingOrder) {
-  // 2D distances 1..4 (z offsets must be ignored); residues are left alone.
-  MClosestPointInfoList list;
-  const double d[] = {3.0, 1.0, 4.0, 2.0};
-  for (double v : d) {
-    MClosestPointInfo r;
-    r.SetInputPoint(MMPoint3d<double>(0, 0, 0));
-    r.SetOutputPoint(MMPoint3d<double>(0.6 * v, 0.8 * v, 100.0 * v));
-    r.SetResidue(-v);
-    list.push_back(r);
-  }
-  // 0.6v and 0.8v are not exact in binary; the square root of their squares
-  // is within a few ulps of v.
-  EXPECT_NEAR(list.GetResiduMedianXY(), 2.0, 1e-15);
-  double previous = 1e9;
-  for (auto const &r : list) {
-    const double xy = std::hypot(r.GetOutputPoint().x, r.GetOutputPoint().y);
-    EXPECT_GE(previous, xy);
-    EXPECT_NEAR(r.GetResidue(), -xy, 1e-15);  // residue untouched, still -v
-    previous = xy;
-  }
-  EXPECT_EQ(list.front().GetResidue(), -4.0);
 }
 
 TEST(ClosestPointInfoList, SortIsStable) {
-  // Equal residues keep their input order in both directions.
-  const std::vector<double> residues = {2, 1, 2, 3, 1, 2, 3, 1, 0, 2, 1};
-  for (bool ascending : {true, false}) {
-    MClosestPointInfoList list = ListOf(residues);
-    list.SortByDistance(ascending);
-    ASSERT_EQ(list.size(), residues.size());
-    for (auto it = list.begin(), next = std::next(it); next != list.end(); ++it, ++next) {
-      if (ascending) {
-        EXPECT_LE(it->GetResidue(), next->GetResidue());
-      } else {
-        EXPECT_GE(it->GetResidue(), next->GetResidue());
-      }
-      if (it->GetResidue() == next->GetResidue()) { EXPECT_LT(it->GetInputIndex(), next->GetInputIndex()); }
+  // The list keeps equal residues in input order in both directions (oracle: std::stable_sort); the vector need not.
+  const std::vector<double> res = {2, 1, 2, 3, 1, 2, 3, 1, 0, 2, 1};
+  for (bool up : {true, false}) {
+    auto list = Records<MClosestPointInfoList>(res);
+    auto vec = Records<MClosestPointInfoVector>(res);
+    list.SortByDistance(up);
+    vec.SortByDistance(up);
+    std::vector<std::uint64_t> order(res.size()), got;
+    std::iota(order.begin(), order.end(), 0);
+    std::stable_sort(order.begin(), order.end(),
+                     [&](std::uint64_t a, std::uint64_t b) { return up ? res[a] < res[b] : res[a] > res[b]; });
+    for (auto const &r : list) got.push_back(r.GetInputIndex());
+    EXPECT_EQ(got, order);
+    for (std::size_t i = 0; i < vec.size(); ++i) {
+      EXPECT_EQ(vec[i].GetResidue(), res[order[i]]);
+      EXPECT_EQ(vec[i].inputPoint, &vec[i].second);  // moved records point at their own storage
     }
   }
-
-  MClosestPointInfoVector vec;
-  for (std::size_t i = 0; i < residues.size(); ++i) vec.push_back(Record(residues[i], i));
-  vec.SortByDistance(false);
-  for (std::size_t i = 1; i < vec.size(); ++i) EXPECT_GE(vec[i - 1].GetResidue(), vec[i].GetResidue());
-  for (auto const &r : vec) EXPECT_EQ(r.inputPoint, &r.second);
-}
-
-TEST(ClosestPointInfoList, TotalErrors) {
-  MClosestPointInfoList list;
-  for (int i = 0; i < 5; ++i) {
-    MClosestPointInfo r;
-    r.SetInputPoint(MMPoint3d<double>(i, 0, 0));
-    r.SetOutputPoint(MMPoint3d<double>(i, 2.0 * i, 0));
-    r.SetResidue(1000.0);  // stale
-    list.push_back(r);
-  }
-  EXPECT_EQ(list.GetTotalError(), 5000.0);
-  MMTransformMatrix identity;
-  EXPECT_EQ(list.GetTotalError(identity), 0.0 + 2 + 4 + 6 + 8);  // stale residues ignored
-  for (auto &r : list) r.UpdateResidues();
-  EXPECT_EQ(list.GetTotalError(), list.GetTotalError(identity));
-  MMTransformMatrix shift;
-  shift.MakeTranslation(MMPoint3d<double>(0, 0, 3));  // each distance becomes sqrt(4 i^2 + 9)
-  double expected = 0.0;
-  for (int i = 0; i < 5; ++i) expected += std::sqrt(4.0 * i * i + 9.0);
-  EXPECT_NEAR(list.GetTotalError(shift), expected, 1e-13);  // a few ulps of a sum near 25
 }
 
 }  // namespace
