@@ -54,11 +54,6 @@ float RowF(const float (*m)[3], int r, float x, float y, float z, float t) {
   return m[r][0] * x + m[r][1] * y + m[r][2] * z + t;
 }
 
-// Row r of m applied to (x, y, z), plus t, in double.
-double RowD(const float (*m)[3], int r, double x, double y, double z, double t) {
-  return m[r][0] * x + m[r][1] * y + m[r][2] * z + t;
-}
-
 // Stores a double 3x3 as float into `rotation` and its transpose into
 // `inverse`.
 void StoreRotation(float (*rotation)[3], float (*inverse)[3], const double (*m)[3]) {
@@ -110,76 +105,79 @@ MTransform::MTransform(const MMTransformMatrix &matrix) : MTransform() { *this =
 
 // ---- Mappings
 
-void MTransform::TRANSFORM3D(float &x, float &y, float &z) const {
-  const float px = x, py = y, pz = z;
-  x = RowF(Rotation, 0, px, py, pz, Translation[0]);
-  y = RowF(Rotation, 1, px, py, pz, Translation[1]);
-  z = RowF(Rotation, 2, px, py, pz, Translation[2]);
+namespace {
+
+// (x, y, z) replaced by the float block m times it, in the arithmetic of T.
+template <class T>
+void MultiplyRows(const float (&m)[3][3], T &x, T &y, T &z) {
+  const T px = x, py = y, pz = z;
+  x = m[0][0] * px + m[0][1] * py + m[0][2] * pz;
+  y = m[1][0] * px + m[1][1] * py + m[1][2] * pz;
+  z = m[2][0] * px + m[2][1] * py + m[2][2] * pz;
 }
 
-void MTransform::TRANSFORM3D(double &x, double &y, double &z) const {
-  const double px = x, py = y, pz = z;
-  x = RowD(Rotation, 0, px, py, pz, Translation[0]);
-  y = RowD(Rotation, 1, px, py, pz, Translation[1]);
-  z = RowD(Rotation, 2, px, py, pz, Translation[2]);
+// The pointer form of an in-place mapping: through a copy, so out may be in.
+template <class T, class Map>
+void ThroughCopy(T *out, const T *in, Map map) {
+  T p[3] = {in[0], in[1], in[2]};
+  map(p[0], p[1], p[2]);
+  out[0] = p[0];
+  out[1] = p[1];
+  out[2] = p[2];
 }
 
-void MTransform::TRANSFORM3D(long &x, long &y, long &z) const {
+// The long form of a mapping: through float, rounded half away from zero.
+template <class Map>
+void ThroughFloat(long &x, long &y, long &z, Map map) {
   float fx = static_cast<float>(x), fy = static_cast<float>(y), fz = static_cast<float>(z);
-  TRANSFORM3D(fx, fy, fz);
+  map(fx, fy, fz);
   x = RoundHalfAway(fx);
   y = RoundHalfAway(fy);
   z = RoundHalfAway(fz);
 }
 
+}  // namespace
+
+void MTransform::TRANSFORM3D(float &x, float &y, float &z) const {
+  MultiplyRows(Rotation, x, y, z);
+  x += Translation[0];
+  y += Translation[1];
+  z += Translation[2];
+}
+
+void MTransform::TRANSFORM3D(double &x, double &y, double &z) const {
+  MultiplyRows(Rotation, x, y, z);
+  x += Translation[0];
+  y += Translation[1];
+  z += Translation[2];
+}
+
+void MTransform::TRANSFORM3D(long &x, long &y, long &z) const {
+  ThroughFloat(x, y, z, [this](float &a, float &b, float &c) { TRANSFORM3D(a, b, c); });
+}
+
 void MTransform::TRANSFORM3D(float *out, const float *in) const {
-  float p[3] = {in[0], in[1], in[2]};
-  TRANSFORM3D(p[0], p[1], p[2]);
-  out[0] = p[0];
-  out[1] = p[1];
-  out[2] = p[2];
+  ThroughCopy(out, in, [this](float &a, float &b, float &c) { TRANSFORM3D(a, b, c); });
 }
 
 void MTransform::TRANSFORM3D(double *out, const double *in) const {
-  double p[3] = {in[0], in[1], in[2]};
-  TRANSFORM3D(p[0], p[1], p[2]);
-  out[0] = p[0];
-  out[1] = p[1];
-  out[2] = p[2];
+  ThroughCopy(out, in, [this](double &a, double &b, double &c) { TRANSFORM3D(a, b, c); });
 }
 
 float MTransform::TRANSFORM_X(float x, float y, float z) const { return RowF(Rotation, 0, x, y, z, Translation[0]); }
 float MTransform::TRANSFORM_Y(float x, float y, float z) const { return RowF(Rotation, 1, x, y, z, Translation[1]); }
 float MTransform::TRANSFORM_Z(float x, float y, float z) const { return RowF(Rotation, 2, x, y, z, Translation[2]); }
 
-void MTransform::ROTATE3D(float &x, float &y, float &z) const {
-  const float px = x, py = y, pz = z;
-  x = Rotation[0][0] * px + Rotation[0][1] * py + Rotation[0][2] * pz;
-  y = Rotation[1][0] * px + Rotation[1][1] * py + Rotation[1][2] * pz;
-  z = Rotation[2][0] * px + Rotation[2][1] * py + Rotation[2][2] * pz;
-}
+void MTransform::ROTATE3D(float &x, float &y, float &z) const { MultiplyRows(Rotation, x, y, z); }
 
-void MTransform::ROTATE3D(double &x, double &y, double &z) const {
-  const double px = x, py = y, pz = z;
-  x = Rotation[0][0] * px + Rotation[0][1] * py + Rotation[0][2] * pz;
-  y = Rotation[1][0] * px + Rotation[1][1] * py + Rotation[1][2] * pz;
-  z = Rotation[2][0] * px + Rotation[2][1] * py + Rotation[2][2] * pz;
-}
+void MTransform::ROTATE3D(double &x, double &y, double &z) const { MultiplyRows(Rotation, x, y, z); }
 
 void MTransform::ROTATE3D(float *out, const float *in) const {
-  float p[3] = {in[0], in[1], in[2]};
-  ROTATE3D(p[0], p[1], p[2]);
-  out[0] = p[0];
-  out[1] = p[1];
-  out[2] = p[2];
+  ThroughCopy(out, in, [this](float &a, float &b, float &c) { ROTATE3D(a, b, c); });
 }
 
 void MTransform::ROTATE3D(double *out, const double *in) const {
-  double p[3] = {in[0], in[1], in[2]};
-  ROTATE3D(p[0], p[1], p[2]);
-  out[0] = p[0];
-  out[1] = p[1];
-  out[2] = p[2];
+  ThroughCopy(out, in, [this](double &a, double &b, double &c) { ROTATE3D(a, b, c); });
 }
 
 float MTransform::ROTATE_X(float x, float y, float z) const {
@@ -193,33 +191,25 @@ float MTransform::ROTATE_Z(float x, float y, float z) const {
 }
 
 void MTransform::INVERSE3D(float &x, float &y, float &z) const {
-  const float px = x - Translation[0], py = y - Translation[1], pz = z - Translation[2];
-  x = InverseRotation[0][0] * px + InverseRotation[0][1] * py + InverseRotation[0][2] * pz;
-  y = InverseRotation[1][0] * px + InverseRotation[1][1] * py + InverseRotation[1][2] * pz;
-  z = InverseRotation[2][0] * px + InverseRotation[2][1] * py + InverseRotation[2][2] * pz;
+  x -= Translation[0];
+  y -= Translation[1];
+  z -= Translation[2];
+  MultiplyRows(InverseRotation, x, y, z);
 }
 
 void MTransform::INVERSE3D(double &x, double &y, double &z) const {
-  const double px = x - Translation[0], py = y - Translation[1], pz = z - Translation[2];
-  x = InverseRotation[0][0] * px + InverseRotation[0][1] * py + InverseRotation[0][2] * pz;
-  y = InverseRotation[1][0] * px + InverseRotation[1][1] * py + InverseRotation[1][2] * pz;
-  z = InverseRotation[2][0] * px + InverseRotation[2][1] * py + InverseRotation[2][2] * pz;
+  x -= Translation[0];
+  y -= Translation[1];
+  z -= Translation[2];
+  MultiplyRows(InverseRotation, x, y, z);
 }
 
 void MTransform::INVERSE3D(long &x, long &y, long &z) const {
-  float fx = static_cast<float>(x), fy = static_cast<float>(y), fz = static_cast<float>(z);
-  INVERSE3D(fx, fy, fz);
-  x = RoundHalfAway(fx);
-  y = RoundHalfAway(fy);
-  z = RoundHalfAway(fz);
+  ThroughFloat(x, y, z, [this](float &a, float &b, float &c) { INVERSE3D(a, b, c); });
 }
 
 void MTransform::INVERSE3D(float *out, const float *in) const {
-  float p[3] = {in[0], in[1], in[2]};
-  INVERSE3D(p[0], p[1], p[2]);
-  out[0] = p[0];
-  out[1] = p[1];
-  out[2] = p[2];
+  ThroughCopy(out, in, [this](float &a, float &b, float &c) { INVERSE3D(a, b, c); });
 }
 
 float MTransform::INVERSE_X(float x, float y, float z) const {
@@ -235,26 +225,12 @@ float MTransform::INVERSE_Z(float x, float y, float z) const {
   return z;
 }
 
-void MTransform::INVROT3D(float &x, float &y, float &z) const {
-  const float px = x, py = y, pz = z;
-  x = InverseRotation[0][0] * px + InverseRotation[0][1] * py + InverseRotation[0][2] * pz;
-  y = InverseRotation[1][0] * px + InverseRotation[1][1] * py + InverseRotation[1][2] * pz;
-  z = InverseRotation[2][0] * px + InverseRotation[2][1] * py + InverseRotation[2][2] * pz;
-}
+void MTransform::INVROT3D(float &x, float &y, float &z) const { MultiplyRows(InverseRotation, x, y, z); }
 
-void MTransform::INVROT3D(double &x, double &y, double &z) const {
-  const double px = x, py = y, pz = z;
-  x = InverseRotation[0][0] * px + InverseRotation[0][1] * py + InverseRotation[0][2] * pz;
-  y = InverseRotation[1][0] * px + InverseRotation[1][1] * py + InverseRotation[1][2] * pz;
-  z = InverseRotation[2][0] * px + InverseRotation[2][1] * py + InverseRotation[2][2] * pz;
-}
+void MTransform::INVROT3D(double &x, double &y, double &z) const { MultiplyRows(InverseRotation, x, y, z); }
 
 void MTransform::INVROT3D(float *out, const float *in) const {
-  float p[3] = {in[0], in[1], in[2]};
-  INVROT3D(p[0], p[1], p[2]);
-  out[0] = p[0];
-  out[1] = p[1];
-  out[2] = p[2];
+  ThroughCopy(out, in, [this](float &a, float &b, float &c) { INVROT3D(a, b, c); });
 }
 
 float MTransform::INVROT_X(float x, float y, float z) const {
