@@ -19,6 +19,22 @@ void CopyValues(double *destination, const double *source, std::size_t count) {
     std::memmove(destination, source, count * sizeof(double));
 }
 
+// Keeps the buffer when the element count stays, otherwise replaces it
+// (uninitialised). false, with no buffer and the old dimensions, when the
+// allocation fails.
+bool Redimension(double *&data, unsigned int &rows, unsigned int &columns, unsigned int newRows,
+                 unsigned int newColumns) {
+  const unsigned int count = newRows * newColumns;
+  if (count != rows * columns) {
+    delete[] data;
+    data = new (std::nothrow) double[count];
+    if (data == nullptr) return false;
+  }
+  rows = newRows;
+  columns = newColumns;
+  return true;
+}
+
 }  // namespace
 
 // ---- MMatrix ----------------------------------------------------------------
@@ -71,15 +87,7 @@ MGeneralMatrix::MGeneralMatrix(MGeneralMatrix &&other) noexcept : MMatrix(other)
 MGeneralMatrix::~MGeneralMatrix() { delete[] data; }
 
 bool MGeneralMatrix::SetDimensions(unsigned int rows_, unsigned int columns_) {
-  const unsigned int count = rows_ * columns_;
-  if (count != rows * columns) {
-    delete[] data;
-    data = new (std::nothrow) double[count];
-    if (data == nullptr) return false;
-  }
-  rows = rows_;
-  columns = columns_;
-  return true;
+  return Redimension(data, rows, columns, rows_, columns_);
 }
 
 double &MGeneralMatrix::Element(unsigned int row, unsigned int column) { return data[row * columns + column]; }
@@ -387,15 +395,7 @@ MLUMatrix::~MLUMatrix() {
 }
 
 bool MLUMatrix::SetDimensions(unsigned int rows_, unsigned int columns_) {
-  const unsigned int count = rows_ * columns_;
-  if (count != rows * columns) {
-    delete[] data;
-    data = new (std::nothrow) double[count];
-    if (data == nullptr) return false;
-  }
-  rows = rows_;
-  columns = columns_;
-  return true;
+  return Redimension(data, rows, columns, rows_, columns_);
 }
 
 double &MLUMatrix::Element(unsigned int row, unsigned int column) { return data[row * columns + column]; }

@@ -17,10 +17,7 @@ class TwistForTest : public MMTransform {
   ~TwistForTest() override { --live; }
   TwistForTest *Clone() const override { return new TwistForTest(*this); }
   bool ConvertFloat16(float *) const override { return false; }
-  bool Invert() override {
-    m_rate = -m_rate;
-    return true;
-  }
+  bool Invert() override { return (m_rate = -m_rate, true); }
   bool IsIdentity() const override { return m_rate == 0.0; }
 
  protected:
