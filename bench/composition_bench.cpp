@@ -5,6 +5,8 @@
 
 #include <kormath/kormath.h>
 
+#include "bench_timing.h"
+
 #include <benchmark/benchmark.h>
 
 #include <chrono>
@@ -50,20 +52,8 @@ const std::vector<MMTransformMatrix> &Factors() {
   return factors;
 }
 
-std::map<std::string, double> g_seconds_per_point;
-
-template <class Body>
-void TimedLoop(benchmark::State &state, const char *name, std::size_t items, Body body) {
-  double seconds = 0.0;
-  for (auto _ : state) {
-    const auto t0 = std::chrono::steady_clock::now();
-    body();
-    seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
-  }
-  const double n = static_cast<double>(state.iterations()) * static_cast<double>(items);
-  state.SetItemsProcessed(static_cast<std::int64_t>(n));
-  if (n > 0) g_seconds_per_point[name] = seconds / n;
-}
+using kormath_bench::Ratio;
+using kormath_bench::TimedLoop;
 
 void MapAll(benchmark::State &state, const char *name, const MMTransform &t) {
   const auto &in = Points();
@@ -116,11 +106,9 @@ BENCHMARK(BM_EigenProductOfFive)->Unit(benchmark::kMillisecond);
 void BM_Ratios(benchmark::State &state) {
   for (auto _ : state) {
   }
-  const double stack = g_seconds_per_point["stack"];
-  if (stack > 0) state.counters["concat_over_stack"] = g_seconds_per_point["concat"] / stack;
+  state.counters["concat_over_stack"] = Ratio("concat", "stack");
 #if KORMATH_HAVE_EIGEN
-  const double eigen = g_seconds_per_point["eigen"];
-  if (eigen > 0) state.counters["concat_over_eigen"] = g_seconds_per_point["concat"] / eigen;
+  state.counters["concat_over_eigen"] = Ratio("concat", "eigen");
 #else
   state.SetLabel("Eigen not found: comparison with Eigen skipped");
 #endif

@@ -8,6 +8,8 @@
 
 #include <benchmark/benchmark.h>
 #include <kormath/kormath.h>
+
+#include "bench_timing.h"
 #include <kormath/linalg/linalg.h>
 
 #include <algorithm>
@@ -84,23 +86,13 @@ const Flat &GeneralInputs() {
 
 MMatrix3x3 Ours(const double *m) { return MMatrix3x3(m[0], m[1], m[2], m[3], m[4], m[5], m[6], m[7], m[8]); }
 
-// Seconds per call of each variant, for the ratios reported at the end.
-std::map<std::string, double> g_seconds_per_call;
+using kormath_bench::Ratio;
 
+// Times one pass over all matrices per iteration and reports calls per second.
 template <class Body>
 void TimedLoop(benchmark::State &state, const char *name, Body body) {
-  double seconds = 0.0;
-  for (auto _ : state) {
-    const auto t0 = std::chrono::steady_clock::now();
-    body();
-    seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
-  }
-  const double n = static_cast<double>(state.iterations()) * static_cast<double>(kMatrices);
-  state.SetItemsProcessed(static_cast<std::int64_t>(n));
-  if (n > 0) {
-    g_seconds_per_call[name] = seconds / n;
-    state.counters["calls_per_second"] = n / seconds;
-  }
+  const double seconds = kormath_bench::TimedLoop(state, name, kMatrices, body);
+  if (seconds > 0) state.counters["calls_per_second"] = 1.0 / seconds;
 }
 
 void BM_OurSymmetricEigen(benchmark::State &state) {
@@ -236,13 +228,9 @@ void BM_RatioToEigen(benchmark::State &state) {
         worstEigenvalue = std::max(worstEigenvalue, std::fabs(l[i] - solver.eigenvalues()(i)));
     }
   }
-  auto ratio = [](const char *ours, const char *peer) {
-    const double p = g_seconds_per_call[peer];
-    return p > 0 ? g_seconds_per_call[ours] / p : 0.0;
-  };
-  state.counters["eigen3x3_over_direct"] = ratio("ours_eigen", "eigen_direct");
-  state.counters["eigen3x3_over_iterative"] = ratio("ours_eigen", "eigen_iterative");
-  state.counters["rotation_over_svd"] = ratio("ours_rotation", "eigen_svd");
+  state.counters["eigen3x3_over_direct"] = Ratio("ours_eigen", "eigen_direct");
+  state.counters["eigen3x3_over_iterative"] = Ratio("ours_eigen", "eigen_iterative");
+  state.counters["rotation_over_svd"] = Ratio("ours_rotation", "eigen_svd");
   state.counters["max_rotation_deviation"] = worstRotation;
   state.counters["max_rotation_deviation_gap_1e-3"] = worstSeparated;
   state.counters["rotations_off_by_1e-9"] = above1e9;

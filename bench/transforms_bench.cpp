@@ -3,12 +3,11 @@
 
 #include <kormath/kormath.h>
 
+#include "bench_timing.h"
+
 #include <benchmark/benchmark.h>
 
-#include <chrono>
-#include <map>
 #include <random>
-#include <string>
 #include <vector>
 
 #if KORMATH_HAVE_EIGEN
@@ -37,21 +36,8 @@ MMTransformMatrix RigidMatrix() {
   return m;
 }
 
-// Seconds per point of each variant, for the ratio reported at the end.
-std::map<std::string, double> g_seconds_per_point;
-
-template <class Body>
-void TimedLoop(benchmark::State &state, const char *name, std::size_t items, Body body) {
-  double seconds = 0.0;
-  for (auto _ : state) {
-    const auto t0 = std::chrono::steady_clock::now();
-    body();
-    seconds += std::chrono::duration<double>(std::chrono::steady_clock::now() - t0).count();
-  }
-  const double n = static_cast<double>(state.iterations()) * static_cast<double>(items);
-  state.SetItemsProcessed(static_cast<std::int64_t>(n));
-  if (n > 0) g_seconds_per_point[name] = seconds / n;
-}
+using kormath_bench::Ratio;
+using kormath_bench::TimedLoop;
 
 void BM_MatrixSinglePoints(benchmark::State &state) {
   const auto &in = Points();
@@ -98,11 +84,8 @@ BENCHMARK(BM_EigenAffine3d)->Unit(benchmark::kMillisecond);
 void BM_RatioToEigen(benchmark::State &state) {
   for (auto _ : state) {
   }
-  const double eigen = g_seconds_per_point["eigen"];
-  if (eigen > 0) {
-    state.counters["single_over_eigen"] = g_seconds_per_point["single"] / eigen;
-    state.counters["vector_over_eigen"] = g_seconds_per_point["vector"] / eigen;
-  }
+  state.counters["single_over_eigen"] = Ratio("single", "eigen");
+  state.counters["vector_over_eigen"] = Ratio("vector", "eigen");
 }
 BENCHMARK(BM_RatioToEigen)->Iterations(1);
 #else
