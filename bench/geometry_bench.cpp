@@ -136,7 +136,8 @@ void RunIntersectionBenchmark(benchmark::State &state, const std::vector<std::pa
       for (auto p : pairs) plainHits += PlainTrianglesIntersect(p.first.v, p.second.v);
     });
     for (auto p : pairs) {
-      disagreements += DoTrianglesIntersectRobust(p.first.v, p.second.v) != PlainTrianglesIntersect(p.first.v, p.second.v);
+      disagreements +=
+          DoTrianglesIntersectRobust(p.first.v, p.second.v) != PlainTrianglesIntersect(p.first.v, p.second.v);
     }
     state.ResumeTiming();
   }

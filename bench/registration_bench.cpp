@@ -92,7 +92,8 @@ struct Cloud {
     return false;
   }
 };
-using NanoTree = nanoflann::KDTreeSingleIndexAdaptor<nanoflann::L2_Simple_Adaptor<double, Cloud>, Cloud, 3, std::size_t>;
+using NanoTree =
+    nanoflann::KDTreeSingleIndexAdaptor<nanoflann::L2_Simple_Adaptor<double, Cloud>, Cloud, 3, std::size_t>;
 #endif
 
 void BM_KDTreeBuild(benchmark::State &state) {
@@ -185,8 +186,7 @@ void BM_MapPoints(benchmark::State &state) {
     b[i] = MMPoint3d<double>(100 * rng.Uniform() - 50, 80 * rng.Uniform() - 40, 60 * rng.Uniform() - 30);
     for (int r = 0; r < 3; ++r) {
       a[i][static_cast<std::size_t>(r)] = motion.Rotation[r][0] * b[i].x + motion.Rotation[r][1] * b[i].y +
-                                          motion.Rotation[r][2] * b[i].z + 5.0 * (r + 1) +
-                                          0.01 * (rng.Uniform() - 0.5);
+                                          motion.Rotation[r][2] * b[i].z + 5.0 * (r + 1) + 0.01 * (rng.Uniform() - 0.5);
     }
   }
   MPointPairList pairs;

@@ -8,11 +8,11 @@ namespace {
 
 constexpr double kPi = 3.141592653589793;
 constexpr int kViewCount = 4;
-constexpr int kSurfacePoints = 9000;  // shared by all views; each sees its visible part
-constexpr double kNoiseSigma = 0.05;       // mm
-constexpr double kVisibleCosine = -0.05;   // a little more than a hemisphere
-constexpr double kMaxAngleDegrees = 4.0;   // displacement rotation
-constexpr double kMaxShift = 2.5;          // mm per axis
+constexpr int kSurfacePoints = 9000;      // shared by all views; each sees its visible part
+constexpr double kNoiseSigma = 0.05;      // mm
+constexpr double kVisibleCosine = -0.05;  // a little more than a hemisphere
+constexpr double kMaxAngleDegrees = 4.0;  // displacement rotation
+constexpr double kMaxShift = 2.5;         // mm per axis
 
 // SplitMix64 with its own uniform and normal draws, so the data do not
 // depend on the standard library's distributions.

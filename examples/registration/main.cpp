@@ -125,8 +125,8 @@ std::string FileStem(std::string const &name) { return std::filesystem::path(nam
 
 // Writes all outputs under temporary names first and renames them at the
 // end, so that a failure leaves nothing behind.
-void WriteOutputs(std::string const &dir, std::vector<InputSet> const &sets,
-                  std::vector<PointSet> const &placed, std::vector<reg::PlotSeries> const &plot) {
+void WriteOutputs(std::string const &dir, std::vector<InputSet> const &sets, std::vector<PointSet> const &placed,
+                  std::vector<reg::PlotSeries> const &plot) {
   namespace fs = std::filesystem;
   std::error_code ec;
   const bool created = !fs::exists(dir, ec) && fs::create_directories(dir, ec);
@@ -135,7 +135,8 @@ void WriteOutputs(std::string const &dir, std::vector<InputSet> const &sets,
   bool ok = true;
   for (std::size_t k = 0; k < sets.size() && ok; ++k) {
     if (placed[k].empty()) continue;
-    const std::string final = (fs::path(dir) / ("registered_" + std::to_string(k) + "_" + FileStem(sets[k].name) + ".ply")).string();
+    const std::string final =
+        (fs::path(dir) / ("registered_" + std::to_string(k) + "_" + FileStem(sets[k].name) + ".ply")).string();
     files.emplace_back(final + ".part", final);
     ok = reg::WritePly(files.back().first, placed[k], "registered by kormath_register from " + sets[k].name);
   }

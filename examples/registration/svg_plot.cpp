@@ -12,11 +12,20 @@ std::string EscapeXml(std::string const &text) {
   std::string out;
   for (char c : text) {
     switch (c) {
-      case '<': out += "&lt;"; break;
-      case '>': out += "&gt;"; break;
-      case '&': out += "&amp;"; break;
-      case '"': out += "&quot;"; break;
-      default: out += c;
+      case '<':
+        out += "&lt;";
+        break;
+      case '>':
+        out += "&gt;";
+        break;
+      case '&':
+        out += "&amp;";
+        break;
+      case '"':
+        out += "&quot;";
+        break;
+      default:
+        out += c;
     }
   }
   return out;
@@ -47,8 +56,10 @@ bool WriteConvergenceSvg(std::string const &path, std::vector<PlotSeries> const 
 
   std::FILE *f = std::fopen(path.c_str(), "w");
   if (f == nullptr) return false;
-  std::fprintf(f, "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%g\" height=\"%g\" font-family=\"sans-serif\" "
-                  "font-size=\"12\">\n", width, height);
+  std::fprintf(f,
+               "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"%g\" height=\"%g\" font-family=\"sans-serif\" "
+               "font-size=\"12\">\n",
+               width, height);
   std::fprintf(f, "<rect width=\"100%%\" height=\"100%%\" fill=\"white\"/>\n");
   std::fprintf(f, "<text x=\"%g\" y=\"18\">RMS residue of the inliers per iteration</text>\n", left);
   std::fprintf(f, "<rect x=\"%g\" y=\"%g\" width=\"%g\" height=\"%g\" fill=\"none\" stroke=\"black\"/>\n", left, top,
@@ -62,8 +73,7 @@ bool WriteConvergenceSvg(std::string const &path, std::vector<PlotSeries> const 
     std::fprintf(f, "<text x=\"%g\" y=\"%g\" text-anchor=\"middle\">%zu</text>\n", px(static_cast<double>(i)),
                  top + plotH + 16, i);
   }
-  std::fprintf(f, "<text x=\"%g\" y=\"%g\" text-anchor=\"middle\">iteration</text>\n", left + plotW / 2,
-               height - 10);
+  std::fprintf(f, "<text x=\"%g\" y=\"%g\" text-anchor=\"middle\">iteration</text>\n", left + plotW / 2, height - 10);
   for (std::size_t k = 0; k < series.size(); ++k) {
     const char *c = colours[k % 8];
     std::fprintf(f, "<polyline fill=\"none\" stroke=\"%s\" stroke-width=\"1.5\" points=\"", c);

@@ -10,13 +10,20 @@ namespace {
 
 const char *ClassName(MMTransformClass c) {
   switch (c) {
-    case MMTransformClass::Identity: return "Identity";
-    case MMTransformClass::Translation: return "Translation";
-    case MMTransformClass::General: return "General";
-    case MMTransformClass::OrthoNormal: return "OrthoNormal";
-    case MMTransformClass::OrthoGonal: return "OrthoGonal";
-    case MMTransformClass::Scale1D: return "Scale1D";
-    case MMTransformClass::Scale3D: return "Scale3D";
+    case MMTransformClass::Identity:
+      return "Identity";
+    case MMTransformClass::Translation:
+      return "Translation";
+    case MMTransformClass::General:
+      return "General";
+    case MMTransformClass::OrthoNormal:
+      return "OrthoNormal";
+    case MMTransformClass::OrthoGonal:
+      return "OrthoGonal";
+    case MMTransformClass::Scale1D:
+      return "Scale1D";
+    case MMTransformClass::Scale3D:
+      return "Scale3D";
   }
   return "?";
 }
@@ -99,7 +106,7 @@ int main() {
 
   M3DBoundingBox<float> box(0.0f, 2.0f, 0.0f, 1.0f, 0.0f, 1.0f);
   fromRigid.TransformBoundingBox(box);
-  std::printf("box [0,2]x[0,1]x[0,1] after the rigid motion: [%g,%g]x[%g,%g]x[%g,%g]\n", box.xMin, box.xMax,
-              box.yMin, box.yMax, box.zMin, box.zMax);
+  std::printf("box [0,2]x[0,1]x[0,1] after the rigid motion: [%g,%g]x[%g,%g]x[%g,%g]\n", box.xMin, box.xMax, box.yMin,
+              box.yMax, box.zMin, box.zMax);
   return 0;
 }

@@ -52,13 +52,11 @@ double DistanceToEdgePointDirection(const MMPoint3d<double> &point, const MMPoin
   return (point - edgePoint).Length();
 }
 
-double DistanceToEdge(const MMPoint2d<double> &point, const MMPoint2d<double> &first,
-                      const MMPoint2d<double> &second) {
+double DistanceToEdge(const MMPoint2d<double> &point, const MMPoint2d<double> &first, const MMPoint2d<double> &second) {
   return DistanceToEdgePointDirection(point, first, second - first);
 }
 
-double DistanceToEdge(const MMPoint3d<double> &point, const MMPoint3d<double> &first,
-                      const MMPoint3d<double> &second) {
+double DistanceToEdge(const MMPoint3d<double> &point, const MMPoint3d<double> &first, const MMPoint3d<double> &second) {
   return DistanceToEdgePointDirection(point, first, second - first);
 }
 
@@ -122,8 +120,8 @@ bool ProjectOnPlaneThroughOrigin(MMPoint3d<double> &projected, const MMPoint3d<d
   return true;
 }
 
-bool ProjectOnPlane(MMPoint3d<double> &projected, const MMPoint3d<double> &normal,
-                    const MMPoint3d<double> &planePoint, const MMPoint3d<double> &point) {
+bool ProjectOnPlane(MMPoint3d<double> &projected, const MMPoint3d<double> &normal, const MMPoint3d<double> &planePoint,
+                    const MMPoint3d<double> &point) {
   const double t = ProjectOnEdge(point, planePoint, normal);
   projected = point - (planePoint + normal * t);
   return true;

@@ -59,8 +59,7 @@ KORMATH_API bool ProjectOnEdge(double &distance, double &t, MMPoint3d<double> &p
 // Moves `point` to its foot on the line first-second (also onto the
 // extension) and tells whether t lies in [0, 1]. A degenerate edge returns
 // false and leaves `point` as it is.
-KORMATH_API bool PlaceOnEdge(MMPoint2d<double> &point, const MMPoint2d<double> &first,
-                             const MMPoint2d<double> &second);
+KORMATH_API bool PlaceOnEdge(MMPoint2d<double> &point, const MMPoint2d<double> &first, const MMPoint2d<double> &second);
 
 // point - t normal, t the parameter of point on (origin, normal); `normal`
 // needs no unit length, a degenerate one leaves the point. Always true.
@@ -100,8 +99,7 @@ KORMATH_API double EdgeAngle(const MMPoint2d<double> &a1, const MMPoint2d<double
 // max and y1 min against y2 max, the asymmetry kept on purpose). A shared
 // end point in general position is no crossing.
 KORMATH_API bool IntersectingSegmentsTesting(const MMPoint2d<double> &a, const MMPoint2d<double> &b,
-                                             const MMPoint2d<double> &c, const MMPoint2d<double> &d,
-                                             double tolerance);
+                                             const MMPoint2d<double> &c, const MMPoint2d<double> &d, double tolerance);
 
 // Rounds each coordinate half away from zero through a 32-bit signed
 // integer. Values outside the 32-bit range (and not-a-number) give the

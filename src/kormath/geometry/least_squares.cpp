@@ -67,7 +67,7 @@ void MMLeastSquarePlane::AddPoint(double x, double y, double z) {
 }
 
 MMPoint3d<double> MMLeastSquarePlane::_SmallestEigenVector(double xx, double yy, double zz, double xy, double xz,
-                                                          double yz) {
+                                                           double yz) {
   const MMatrix3x3 m(xx, xy, xz, xy, yy, yz, xz, yz, zz);
   double values[3] = {0.0, 0.0, 0.0};
   // The results of the eigen-analysis are not looked at: the real parts and

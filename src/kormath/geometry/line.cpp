@@ -147,8 +147,7 @@ double MMLine2D::_DistanceToSegment(const MMPoint2d<double> &p, const MMPoint2d<
   return (p - (a + e * (s / l))).Length();
 }
 
-bool MMLine2D::GetIntersectionSegmentSegment(MMPoint2d<double> &point, const MMLine2D &other,
-                                             double tolerance) const {
+bool MMLine2D::GetIntersectionSegmentSegment(MMPoint2d<double> &point, const MMLine2D &other, double tolerance) const {
   if (!GetIntersectionPoint(point, other, tolerance)) return false;
   return 2.0 * tolerance >
          _DistanceToSegment(point, other.m_first, other.m_second) + _DistanceToSegment(point, m_first, m_second);

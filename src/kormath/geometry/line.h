@@ -125,8 +125,7 @@ class KORMATH_API MMLine2D {
   double GetSignedDistance(const MMPoint2d<double> &point) const;
 
  private:
-  static double _DistanceToSegment(const MMPoint2d<double> &p, const MMPoint2d<double> &a,
-                                   const MMPoint2d<double> &b);
+  static double _DistanceToSegment(const MMPoint2d<double> &p, const MMPoint2d<double> &a, const MMPoint2d<double> &b);
 
   MMPoint2d<double> m_first;
   MMPoint2d<double> m_second;

@@ -228,20 +228,18 @@ double Adaptive(const double *a, const double *b, const double *c, const double 
   const double bdzTail = TwoDiffTail(b[2], d[2], bdz);
   const double cdzTail = TwoDiffTail(c[2], d[2], cdz);
   // The differences were exact, so the expansion above is the determinant.
-  if (adxTail == 0.0 && bdxTail == 0.0 && cdxTail == 0.0 && adyTail == 0.0 && bdyTail == 0.0 &&
-      cdyTail == 0.0 && adzTail == 0.0 && bdzTail == 0.0 && cdzTail == 0.0) {
+  if (adxTail == 0.0 && bdxTail == 0.0 && cdxTail == 0.0 && adyTail == 0.0 && bdyTail == 0.0 && cdyTail == 0.0 &&
+      adzTail == 0.0 && bdzTail == 0.0 && cdzTail == 0.0) {
     return fin[finLen - 1];
   }
 
   // Stage 3: first-order correction with the tails of the differences.
   stage = 3;
   errBound = kErrBoundC * permanent + kResultErrBound * std::abs(det);
-  det += (adz * ((bdx * cdyTail + cdy * bdxTail) - (bdy * cdxTail + cdx * bdyTail)) +
-          adzTail * (bdx * cdy - bdy * cdx)) +
-         (bdz * ((cdx * adyTail + ady * cdxTail) - (cdy * adxTail + adx * cdyTail)) +
-          bdzTail * (cdx * ady - cdy * adx)) +
-         (cdz * ((adx * bdyTail + bdy * adxTail) - (ady * bdxTail + bdx * adyTail)) +
-          cdzTail * (adx * bdy - ady * bdx));
+  det +=
+      (adz * ((bdx * cdyTail + cdy * bdxTail) - (bdy * cdxTail + cdx * bdyTail)) + adzTail * (bdx * cdy - bdy * cdx)) +
+      (bdz * ((cdx * adyTail + ady * cdxTail) - (cdy * adxTail + adx * cdyTail)) + bdzTail * (cdx * ady - cdy * adx)) +
+      (cdz * ((adx * bdyTail + bdy * adxTail) - (ady * bdxTail + bdx * adyTail)) + cdzTail * (adx * bdy - ady * bdx));
   if (det >= errBound || -det >= errBound) return det;
 
   // Stage 4: the exact determinant.

@@ -58,8 +58,7 @@ MMRectangle::MMRectangle(const MMPoint3d<double> &first, const MMPoint3d<double>
   Set(first, second, third);
 }
 
-void MMRectangle::Set(const MMPoint3d<double> &first, const MMPoint3d<double> &second,
-                      const MMPoint3d<double> &third) {
+void MMRectangle::Set(const MMPoint3d<double> &first, const MMPoint3d<double> &second, const MMPoint3d<double> &third) {
   const MMPoint3d<double> e = second - first;
   MMPoint3d<double> q = third;
   if (!(kRectangleRightAngleTolerance > std::abs((q - first).Dot(e)))) {
@@ -100,9 +99,7 @@ void MMRectangle::Transform(const MMTransform &transform) {
 
 MMRectangle2D::MMRectangle2D() { Set(MMPoint2d<double>(0.0, 0.0), MMPoint2d<double>(1.0, 1.0)); }
 
-MMRectangle2D::MMRectangle2D(const MMPoint2d<double> &first, const MMPoint2d<double> &second) {
-  Set(first, second);
-}
+MMRectangle2D::MMRectangle2D(const MMPoint2d<double> &first, const MMPoint2d<double> &second) { Set(first, second); }
 
 void MMRectangle2D::Set(const MMPoint2d<double> &p, const MMPoint2d<double> &q) {
   m_corners[0] = MMPoint2d<double>(p.x, p.y);

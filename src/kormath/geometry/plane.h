@@ -84,8 +84,8 @@ class MMPlaneEq {
     const T e = T(1.4901161193847656e-8);
     const T d1 = m_d, d2 = other.m_d;
     if (std::abs(d2) > e) {
-      return std::abs(d1) > e && d2 * m_normal.x == d1 * other.m_normal.x &&
-             d2 * m_normal.y == d1 * other.m_normal.y && d2 * m_normal.z == d1 * other.m_normal.z;
+      return std::abs(d1) > e && d2 * m_normal.x == d1 * other.m_normal.x && d2 * m_normal.y == d1 * other.m_normal.y &&
+             d2 * m_normal.z == d1 * other.m_normal.z;
     }
     if (std::abs(d1) > e) return false;
     const T dot = m_normal.x * other.m_normal.x + m_normal.y * other.m_normal.y + m_normal.z * other.m_normal.z;
@@ -160,8 +160,8 @@ class MMPlaneEq {
   // magnitude. Parallel planes are PLANES_COINCIDENT when their constants
   // agree (with the sign of n1.n2) within `tolerance`, strictly; `point` is
   // not written then, nor for PLANES_PARALLEL.
-  MPlaneIntersectionType IntersectWithPlane(MMVector<T, 3> &point, MMVector<T, 3> &direction,
-                                            const MMPlaneEq &other, T tolerance) const {
+  MPlaneIntersectionType IntersectWithPlane(MMVector<T, 3> &point, MMVector<T, 3> &direction, const MMPlaneEq &other,
+                                            T tolerance) const {
     const T a1 = m_normal.x, b1 = m_normal.y, c1 = m_normal.z, d1 = m_d;
     const T a2 = other.m_normal.x, b2 = other.m_normal.y, c2 = other.m_normal.z, d2 = other.m_d;
     direction.x = b1 * c2 - c1 * b2;

@@ -171,9 +171,8 @@ double SegmentSquaredDistance(const MMPoint3d<double> &p, const MMPoint3d<double
 
 }  // namespace
 
-double PointTriangleSquaredDistance(const MMPoint3d<double> &p, const MMPoint3d<double> &a,
-                                    const MMPoint3d<double> &b, const MMPoint3d<double> &c,
-                                    MMPoint3d<double> &closest, double *barycentric) {
+double PointTriangleSquaredDistance(const MMPoint3d<double> &p, const MMPoint3d<double> &a, const MMPoint3d<double> &b,
+                                    const MMPoint3d<double> &c, MMPoint3d<double> &closest, double *barycentric) {
   const MMPoint3d<double> e0 = b - a;
   const MMPoint3d<double> e1 = c - a;
   double s = 0.0, t = 0.0;
@@ -331,8 +330,8 @@ bool EdgeThroughTriangle(const MMPoint3d<double> *triangle, const MMPoint3d<doub
 // ---------------------------------------------------------------- DistanceT2T
 
 double DistanceT2T(const MMPoint3d<double> *triangleA, const MMPoint3d<double> &normalA,
-                   const MMPoint3d<double> *triangleB, const MMPoint3d<double> &normalB,
-                   MMPoint3d<double> *closestA, MMPoint3d<double> *closestB) {
+                   const MMPoint3d<double> *triangleB, const MMPoint3d<double> &normalB, MMPoint3d<double> *closestA,
+                   MMPoint3d<double> *closestB) {
   using namespace MTriangle3dUtilities::detail;
   const auto write = [&](const MMPoint3d<double> &pa, const MMPoint3d<double> &pb) {
     if (closestA != nullptr) *closestA = pa;

@@ -20,9 +20,8 @@ double SegmentParameter(const MMPoint3d<double> &p, const MMPoint3d<double> &a, 
 // minimisation, with the closest point and its barycentric coordinates
 // (1 - s - t, s, t). A triangle with |E1 x E0|^2 below the tolerance takes
 // the nearest of the segments a-c, a-b, b-c instead.
-double PointTriangleSquaredDistance(const MMPoint3d<double> &p, const MMPoint3d<double> &a,
-                                    const MMPoint3d<double> &b, const MMPoint3d<double> &c,
-                                    MMPoint3d<double> &closest, double *barycentric);
+double PointTriangleSquaredDistance(const MMPoint3d<double> &p, const MMPoint3d<double> &a, const MMPoint3d<double> &b,
+                                    const MMPoint3d<double> &c, MMPoint3d<double> &closest, double *barycentric);
 
 // Parameters s on A-B and t on C-D of the closest points of the two lines;
 // for nearly parallel lines (a c - b b below the tolerance) one end is fixed
@@ -32,8 +31,8 @@ void ClosestLineParameters(const MMPoint3d<double> &A, const MMPoint3d<double> &
 
 // Does the edge p-q pass through the strict interior of the triangle with
 // normal n; writes the crossing point x.
-bool EdgeThroughTriangle(const MMPoint3d<double> *triangle, const MMPoint3d<double> &n,
-                         const MMPoint3d<double> &p, const MMPoint3d<double> &q, MMPoint3d<double> &x);
+bool EdgeThroughTriangle(const MMPoint3d<double> *triangle, const MMPoint3d<double> &n, const MMPoint3d<double> &p,
+                         const MMPoint3d<double> &q, MMPoint3d<double> &x);
 
 }  // namespace detail
 }  // namespace MTriangle3dUtilities

@@ -10,15 +10,18 @@ using KorMathRegistration::kLargestDouble;
 using KorMathRegistration::kNoIndex;
 
 MClosestPointInfo::MClosestPointInfo()
-    : residue(kLargestDouble), inputIndex(kNoIndex), inputPoint(&second), outputIndex(kNoIndex),
-      outputPoint(&first) {
+    : residue(kLargestDouble), inputIndex(kNoIndex), inputPoint(&second), outputIndex(kNoIndex), outputPoint(&first) {
   MClosestPointInfo::SetDefaultsInput();
   SetDefaultsOutput();
 }
 
 MClosestPointInfo::MClosestPointInfo(MClosestPointInfo const &other)
-    : std::pair<MMPoint3d<double>, MMPoint3d<double>>(), residue(kLargestDouble), inputIndex(kNoIndex),
-      inputPoint(&second), outputIndex(kNoIndex), outputPoint(&first) {
+    : std::pair<MMPoint3d<double>, MMPoint3d<double>>(),
+      residue(kLargestDouble),
+      inputIndex(kNoIndex),
+      inputPoint(&second),
+      outputIndex(kNoIndex),
+      outputPoint(&first) {
   MClosestPointInfo::CopyInput(other);
   CopyOutput(other);
 }

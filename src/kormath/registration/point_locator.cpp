@@ -23,9 +23,7 @@ void FreeNode(MKDTreeNode *node) {
   delete node;
 }
 
-inline double Coordinate(MKDTreePointRecord const &r, int axis) {
-  return axis == 0 ? r.x : (axis == 1 ? r.y : r.z);
-}
+inline double Coordinate(MKDTreePointRecord const &r, int axis) { return axis == 0 ? r.x : (axis == 1 ? r.y : r.z); }
 
 // Recursive build over a stretch of record copies, which it reorders. The
 // result equals that of sorting each split stretch by its axis: the same
@@ -130,9 +128,8 @@ class TreeBuilder {
     }
     // The run reaches the front: take its upper edge. A positive extent
     // guarantees a larger value behind it.
-    MKDTreePointRecord *runEnd = std::partition(w + med + 1, w + m, [axis, v](MKDTreePointRecord const &r) {
-      return Coordinate(r, axis) == v;
-    });
+    MKDTreePointRecord *runEnd =
+        std::partition(w + med + 1, w + m, [axis, v](MKDTreePointRecord const &r) { return Coordinate(r, axis) == v; });
     const std::size_t upper = static_cast<std::size_t>(runEnd - w);
     double next = kLargestDouble;
     for (std::size_t i = upper; i < m; ++i) {
@@ -196,7 +193,7 @@ inline bool BallInBox(SearchState const &s) {
 struct MKDTreePointLocator::SearchIndex {
   struct Node {
     double split;
-    std::int32_t axis;   // 0, 1, 2; -1 in a leaf
+    std::int32_t axis;    // 0, 1, 2; -1 in a leaf
     std::uint32_t count;  // points of a leaf
     std::uint64_t link;   // interior: position of the right child; leaf: first point
   };

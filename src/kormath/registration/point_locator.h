@@ -102,7 +102,6 @@ class KORMATH_API MKDTreePointLocator : public MPointLocator {
  private:
   void _FreeTree();
 
-
   std::uint64_t m_leafCapacity;
   MKDTreeNode *m_root;
   MKDTreePointRecord *m_records;

@@ -8,8 +8,7 @@ using KorMathRegistration::kNoIndex;
 MRegistrationCostInfo::MRegistrationCostInfo()
     : m_numberOfOutliers(kNoIndex), m_sampleSize(1), m_totalError(kLargestDouble) {}
 
-void MRegistrationCostInfo::SetInfo(std::uint64_t const &outliers, std::uint64_t const &sampleSize,
-                                    double totalError) {
+void MRegistrationCostInfo::SetInfo(std::uint64_t const &outliers, std::uint64_t const &sampleSize, double totalError) {
   m_numberOfOutliers = outliers;
   m_sampleSize = sampleSize;
   m_totalError = totalError;

@@ -55,10 +55,10 @@ class MDataArray2D : public std::vector<T> {
 
 // One set in the tree.
 struct MRegisteredTreeNode {
-  MMTransformMatrix relativeTransform;  // placement relative to the parent; identity when new
-  MMTransformMatrix wcsTransform;       // placement in the world frame; identity when new
-  MRegistrationCostInfo cost;           // cost of the edge to the parent; infinite when new
-  std::list<std::uint64_t> children;    // in the order of attachment
+  MMTransformMatrix relativeTransform;                  // placement relative to the parent; identity when new
+  MMTransformMatrix wcsTransform;                       // placement in the world frame; identity when new
+  MRegistrationCostInfo cost;                           // cost of the edge to the parent; infinite when new
+  std::list<std::uint64_t> children;                    // in the order of attachment
   std::uint64_t index = KorMathRegistration::kNoIndex;  // own index once reached by an edge
 };
 

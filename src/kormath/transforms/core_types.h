@@ -12,10 +12,10 @@
 
 // Library-wide tolerances. These literals are what the code compares with;
 // CMathConst::kEpsilon (1e-15) is only for the host.
-constexpr double kDoubleEpsilon = 2.220446049250313e-16;          // 0x3CB0000000000000
-constexpr double kDoubleEpsilonX10 = 2.220446049250313e-15;       // 0x3CE4000000000000
-constexpr double kDoubleSqrtEpsilon = 1.4901161193847656e-08;     // 0x3E50000000000000
-constexpr double kDoubleSqrtEpsilonX100 = 1.4901161193847656e-06; // 0x3EB9000000000000
+constexpr double kDoubleEpsilon = 2.220446049250313e-16;           // 0x3CB0000000000000
+constexpr double kDoubleEpsilonX10 = 2.220446049250313e-15;        // 0x3CE4000000000000
+constexpr double kDoubleSqrtEpsilon = 1.4901161193847656e-08;      // 0x3E50000000000000
+constexpr double kDoubleSqrtEpsilonX100 = 1.4901161193847656e-06;  // 0x3EB9000000000000
 
 // Threshold of the 2D unit step: a 2D vector strictly shorter than this is
 // left as it is.
@@ -26,12 +26,12 @@ constexpr double kDouble2DUnitThreshold = 3.140185e-16;
 // constants add up to 1 only in their eight-digit form.
 class KORMATH_API CMathConst {
  public:
-  static const double kEpsilon;            // 1e-15
-  static const double kSqrtEpsilon;        // 3e-08
-  static const double kPi;                 // 3.141592653589793
-  static const double kSqrtPi;             // 1.77243850905516
-  static const double kGoldenSectionLeft;  // 0.38196601
-  static const double kGoldenSectionRight; // 0.61803399
+  static const double kEpsilon;             // 1e-15
+  static const double kSqrtEpsilon;         // 3e-08
+  static const double kPi;                  // 3.141592653589793
+  static const double kSqrtPi;              // 1.77243850905516
+  static const double kGoldenSectionLeft;   // 0.38196601
+  static const double kGoldenSectionRight;  // 0.61803399
 };
 
 // A fixed-size vector of N elements, stored contiguously.
@@ -227,8 +227,7 @@ class M3DBoundingBox {
   T zMax = T(0);
 
   M3DBoundingBox() = default;
-  M3DBoundingBox(T x0, T x1, T y0, T y1, T z0, T z1)
-      : xMin(x0), xMax(x1), yMin(y0), yMax(y1), zMin(z0), zMax(z1) {}
+  M3DBoundingBox(T x0, T x1, T y0, T y1, T z0, T z1) : xMin(x0), xMax(x1), yMin(y0), yMax(y1), zMin(z0), zMax(z1) {}
 };
 
 // Axis-aligned box of doubles held as the lower corner and the upper corner.

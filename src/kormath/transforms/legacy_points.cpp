@@ -90,9 +90,7 @@ bool MPoint::Load(MFile &file) {
   return file.READ(&x, 3) == 3;
 }
 
-bool MPoint::Save(MFile &file) {
-  return file.WRITE(&x, 3) == 3;
-}
+bool MPoint::Save(MFile &file) { return file.WRITE(&x, 3) == 3; }
 
 // ---- PNT_3D_FLOAT
 

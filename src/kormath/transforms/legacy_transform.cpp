@@ -322,8 +322,8 @@ void MTransform::ROTEER_ENKEL(long axis, float degrees) {
   m_veranderd = true;
 }
 
-void MTransform::ROTATION_IN_PLANE(double ax, double ay, double az, double bx, double by, double bz, float cx,
-                                   float cy, float cz) {
+void MTransform::ROTATION_IN_PLANE(double ax, double ay, double az, double bx, double by, double bz, float cx, float cy,
+                                   float cz) {
   MMPoint3d<double> a(ax, ay, az), b(bx, by, bz);
   const double la = a.Length(), lb = b.Length();
   if (la == 0.0 || lb == 0.0) return;
@@ -354,8 +354,8 @@ void MTransform::ROTATION_IN_PLANE(double ax, double ay, double az, double bx, d
 
 void MTransform::ROTATION_IN_PLANE(float ax, float ay, float az, float bx, float by, float bz, float cx, float cy,
                                    float cz) {
-  ROTATION_IN_PLANE(static_cast<double>(ax), static_cast<double>(ay), static_cast<double>(az),
-                    static_cast<double>(bx), static_cast<double>(by), static_cast<double>(bz), cx, cy, cz);
+  ROTATION_IN_PLANE(static_cast<double>(ax), static_cast<double>(ay), static_cast<double>(az), static_cast<double>(bx),
+                    static_cast<double>(by), static_cast<double>(bz), cx, cy, cz);
 }
 
 void MTransform::ROTATION_IN_PLANE_WITH_NORMAL(double ax, double ay, double az, double bx, double by, double bz,
@@ -392,8 +392,7 @@ void MTransform::ROTATION_IN_PLANE_WITH_NORMAL(float ax, float ay, float az, flo
                                 static_cast<double>(nx), static_cast<double>(ny), static_cast<double>(nz), cx, cy, cz);
 }
 
-void MTransform::ROTATION_AROUND_AXIS(double ax, double ay, double az, double radians, float cx, float cy,
-                                      float cz) {
+void MTransform::ROTATION_AROUND_AXIS(double ax, double ay, double az, double radians, float cx, float cy, float cz) {
   MMPoint3d<double> axis(ax, ay, az);
   const double l = axis.Length();
   if (l == 0.0) return;
@@ -506,8 +505,8 @@ void MTransform::_TRANSFORM(MTransform &t) {
   m_veranderd = true;
 }
 
-void MTransform::SET_ORTHONORMAL_TRANSFORM(float r00, float r01, float r02, float r10, float r11, float r12,
-                                           float r20, float r21, float r22) {
+void MTransform::SET_ORTHONORMAL_TRANSFORM(float r00, float r01, float r02, float r10, float r11, float r12, float r20,
+                                           float r21, float r22) {
   const float m[3][3] = {{r00, r01, r02}, {r10, r11, r12}, {r20, r21, r22}};
   CopyMat(Rotation, m);
   Transpose(InverseRotation, m);

@@ -169,8 +169,8 @@ class KORMATH_API MTransform {
   // The nine values are Rotation in row order and InverseRotation their
   // transpose; the x and y of Translation become 0 while z stays, and the
   // flag is not set, both on purpose.
-  void SET_ORTHONORMAL_TRANSFORM(float r00, float r01, float r02, float r10, float r11, float r12, float r20,
-                                 float r21, float r22);
+  void SET_ORTHONORMAL_TRANSFORM(float r00, float r01, float r02, float r10, float r11, float r12, float r20, float r21,
+                                 float r22);
   // Translation = the values (narrowed). Flag not set, on purpose.
   void TRANSLATE(float tx, float ty, float tz);
   void TRANSLATE(double tx, double ty, double tz);

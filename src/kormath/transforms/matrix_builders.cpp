@@ -233,8 +233,8 @@ bool MMTransformMatrix::MakeRotation(const MMTransformMatrix &source) {
   Copy(source);
   for (int r = 0; r < 3; ++r) Matrix[r][3] = 0.0;
   for (int r = 0; r < 3; ++r) {
-    const double len =
-        RoundThroughFloat(std::sqrt(Matrix[r][0] * Matrix[r][0] + Matrix[r][1] * Matrix[r][1] + Matrix[r][2] * Matrix[r][2]));
+    const double len = RoundThroughFloat(
+        std::sqrt(Matrix[r][0] * Matrix[r][0] + Matrix[r][1] * Matrix[r][1] + Matrix[r][2] * Matrix[r][2]));
     for (int c = 0; c < 3; ++c) Matrix[r][c] /= len;
     for (int k = 0; k < 3; ++k) Inverse[k][r] *= len;
   }
@@ -380,7 +380,8 @@ bool MMTransformMatrix::Keeps2DOrientation() const { return Matrix[2][2] > 0.0; 
 
 bool MMTransformMatrix::MakeOrthoNormal() {
   for (int c = 0; c < 3; ++c) {
-    const double len = std::sqrt(Matrix[0][c] * Matrix[0][c] + Matrix[1][c] * Matrix[1][c] + Matrix[2][c] * Matrix[2][c]);
+    const double len =
+        std::sqrt(Matrix[0][c] * Matrix[0][c] + Matrix[1][c] * Matrix[1][c] + Matrix[2][c] * Matrix[2][c]);
     if (len < kDoubleSqrtEpsilon) return false;
     for (int r = 0; r < 3; ++r) Matrix[r][c] /= len;
   }

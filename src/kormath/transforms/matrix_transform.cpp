@@ -21,9 +21,13 @@ void Multiply(double (&out)[4][4], const double (&a)[4][4], const double (&b)[4]
   std::memcpy(out, t, sizeof(t));
 }
 
-double RowDot(const double (&m)[4][4], int a, int b) { return m[a][0] * m[b][0] + m[a][1] * m[b][1] + m[a][2] * m[b][2]; }
+double RowDot(const double (&m)[4][4], int a, int b) {
+  return m[a][0] * m[b][0] + m[a][1] * m[b][1] + m[a][2] * m[b][2];
+}
 
-double ColumnSquaredLength(const double (&m)[4][4], int c) { return m[0][c] * m[0][c] + m[1][c] * m[1][c] + m[2][c] * m[2][c]; }
+double ColumnSquaredLength(const double (&m)[4][4], int c) {
+  return m[0][c] * m[0][c] + m[1][c] * m[1][c] + m[2][c] * m[2][c];
+}
 
 }  // namespace
 
@@ -35,7 +39,8 @@ MMTransformMatrix::MMTransformMatrix() : MMTransform(), MMTransformMatrixData() 
   Class = Identity;
 }
 
-MMTransformMatrix::MMTransformMatrix(const MMTransformMatrix &other) : MMTransform(other), MMTransformMatrixData(other) {}
+MMTransformMatrix::MMTransformMatrix(const MMTransformMatrix &other)
+    : MMTransform(other), MMTransformMatrixData(other) {}
 
 MMTransformMatrix &MMTransformMatrix::operator=(const MMTransformMatrix &other) {
   Copy(other);
@@ -280,14 +285,29 @@ bool MMTransformMatrix::ComputeInverse() { return _ComputeInverse(); }
 bool MMTransformMatrix::_ComputeInverse() {
   bool ok;
   switch (Class) {
-    case Identity: ok = _ComputeInverseIdentity(); break;
-    case Translation: ok = _ComputeInverseTranslation(); break;
-    case General: ok = _ComputeInverseGeneral(); break;
-    case OrthoNormal: ok = _ComputeInverseOrthoNormal(); break;
-    case OrthoGonal: ok = _ComputeInverseOrthoGonal(); break;
-    case Scale1D: ok = _ComputeInverseScale1D(); break;
-    case Scale3D: ok = _ComputeInverseScale3D(); break;
-    default: return false;
+    case Identity:
+      ok = _ComputeInverseIdentity();
+      break;
+    case Translation:
+      ok = _ComputeInverseTranslation();
+      break;
+    case General:
+      ok = _ComputeInverseGeneral();
+      break;
+    case OrthoNormal:
+      ok = _ComputeInverseOrthoNormal();
+      break;
+    case OrthoGonal:
+      ok = _ComputeInverseOrthoGonal();
+      break;
+    case Scale1D:
+      ok = _ComputeInverseScale1D();
+      break;
+    case Scale3D:
+      ok = _ComputeInverseScale3D();
+      break;
+    default:
+      return false;
   }
   Inversible = ok;
   return ok;

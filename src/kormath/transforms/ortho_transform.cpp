@@ -7,7 +7,8 @@ namespace {
 constexpr double kOrthoVerifyTolerance = 1.1102230246251565e-12;
 }  // namespace
 
-MMOrthoTransform::MMOrthoTransform() : Rotation{{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}}, Translation{0.0, 0.0, 0.0} {}
+MMOrthoTransform::MMOrthoTransform()
+    : Rotation{{1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0}}, Translation{0.0, 0.0, 0.0} {}
 
 MMOrthoTransform::~MMOrthoTransform() = default;
 
@@ -25,8 +26,8 @@ void MMOrthoTransform::Copy(const double *matrix12) {
   }
 }
 
-void MMOrthoTransform::MakeTransformation(MMPoint3d<double> translation, MMPoint3d<double> row0,
-                                          MMPoint3d<double> row1, MMPoint3d<double> row2) {
+void MMOrthoTransform::MakeTransformation(MMPoint3d<double> translation, MMPoint3d<double> row0, MMPoint3d<double> row1,
+                                          MMPoint3d<double> row2) {
   const MMPoint3d<double> *rows[3] = {&row0, &row1, &row2};
   for (int r = 0; r < 3; ++r) {
     for (int c = 0; c < 3; ++c) Rotation[r][c] = (*rows[r])[c];

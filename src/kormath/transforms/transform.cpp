@@ -158,8 +158,8 @@ bool MMTransform::InverseTransform(float *const point, bool isVector) const {
 }
 
 bool MMTransform::TransformBoundingBox(M3DBoundingBox<float> &box) const {
-  return TransformBoundingBox(box.xMin, box.xMax, box.yMin, box.yMax, box.zMin, box.zMax, box.xMin, box.xMax,
-                              box.yMin, box.yMax, box.zMin, box.zMax);
+  return TransformBoundingBox(box.xMin, box.xMax, box.yMin, box.yMax, box.zMin, box.zMax, box.xMin, box.xMax, box.yMin,
+                              box.yMax, box.zMin, box.zMax);
 }
 
 bool MMTransform::TransformBoundingBox(float &xMin, float &xMax, float &yMin, float &yMax, float &zMin, float &zMax,

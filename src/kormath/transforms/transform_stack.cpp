@@ -28,8 +28,7 @@ bool MMTransformStack::_Transform(MMPoint3d<double> &out, const MMPoint3d<double
   return true;
 }
 
-bool MMTransformStack::_InverseTransform(MMPoint3d<double> &out, const MMPoint3d<double> &in,
-                                         bool isVector) const {
+bool MMTransformStack::_InverseTransform(MMPoint3d<double> &out, const MMPoint3d<double> &in, bool isVector) const {
   out = in;
   for (MMTransform *t : m_transforms)
     if (!t->InverseTransform(out, out, isVector)) return false;
@@ -107,13 +106,9 @@ const MMTransform *MMTransformStack::GetFirst() const { return m_transforms.fron
 MMTransform *MMTransformStack::GetLast() { return m_transforms.back(); }
 const MMTransform *MMTransformStack::GetLast() const { return m_transforms.back(); }
 
-unsigned short MMTransformStack::GetNrTransforms() const {
-  return static_cast<unsigned short>(m_transforms.size());
-}
+unsigned short MMTransformStack::GetNrTransforms() const { return static_cast<unsigned short>(m_transforms.size()); }
 
-MMTransform *MMTransformStack::operator[](int index) const {
-  return m_transforms[static_cast<std::size_t>(index)];
-}
+MMTransform *MMTransformStack::operator[](int index) const { return m_transforms[static_cast<std::size_t>(index)]; }
 
 void MMTransformStack::MakeIdentity() { _DoMakeIdentity(false); }
 
