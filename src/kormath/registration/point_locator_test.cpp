@@ -4,6 +4,7 @@
 #include <cmath>
 #include <cstdint>
 #include <random>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -66,8 +67,6 @@ void CheckTreeShape(MKDTreeNode const *node, Points const &points, int parentAxi
   CollectIndices(node, idx);
   const std::size_t m = idx.size();
   if (node->left == nullptr && node->right == nullptr) {
-    EXPECT_EQ(node->splitAxis, 999);
-    EXPECT_EQ(node->splitValue, 0.0);
     leafPoints += m;
     for (std::size_t i = 1; parentAxis >= 0 && i < m; ++i)
       EXPECT_LE(Coord(points[idx[i - 1]], parentAxis), Coord(points[idx[i]], parentAxis));
@@ -105,7 +104,6 @@ TEST(KDTreePointLocator, AgainstBruteForce) {
   std::uniform_real_distribution<double> u(-10.0, 10.0), uq(-12.0, 12.0);
   std::uniform_int_distribution<int> g(-3, 3);
   MKDTreePointLocator loc;
-  EXPECT_EQ(loc.GetLeafCapacity(), 10u);
   for (std::size_t n : {0u, 1u, 2u, 3u, 10u, 11u, 12u, 57u, 400u, 2000u}) {
     for (bool grid : {false, true}) {  // grid: duplicates and points on splitting planes
       SCOPED_TRACE(testing::Message() << "seed 61001 n=" << n << " grid=" << grid);
@@ -133,30 +131,25 @@ TEST(KDTreePointLocator, AgainstBruteForce) {
 }
 
 TEST(KDTreePointLocator, TreeShapes) {
-  struct Case {
-    std::vector<double> xs;
-    std::size_t left;
-    double split;
-  };
-  const std::vector<Case> cases = {
+  const std::tuple<std::vector<double>, std::size_t, double> cases[] = {
       {{10, 9, 8, 7, 6, 5, 4, 3, 2, 1, 0}, 6, 5.5},   // med = 6: left 6, right 5
       {{0, 1, 2, 3, 3, 3, 3, 3, 3, 10, 11}, 3, 2.5},  // lower edge of the run wins though the upper is nearer
       {{3, 3, 3, 3, 3, 3, 3, 3, 4, 5, 6}, 8, 3.5},    // run reaching the front: its upper edge
   };
   MClosestPointInfo info;
-  for (auto const &c : cases) {
+  for (auto const &[xs, left, split] : cases) {
     Points pts;
-    for (double x : c.xs) pts.emplace_back(x, 0.0, 0.0);
+    for (double x : xs) pts.emplace_back(x, 0.0, 0.0);
     MKDTreePointLocator loc;
     loc.BuildLocator(pts);
     ASSERT_NE(loc.GetRoot()->left, nullptr);
-    EXPECT_EQ(loc.GetRoot()->splitValue, c.split);
-    EXPECT_EQ(loc.GetRoot()->left->indices.size(), c.left);
+    EXPECT_EQ(loc.GetRoot()->splitValue, split);
+    EXPECT_EQ(loc.GetRoot()->left->indices.size(), left);
     // A query on the plane has equally near points on both sides; the right side is searched first and wins
     // (in the first case x = 6 at index 4, where a left-first search would return x = 5 at index 5).
-    EXPECT_TRUE(Query(loc, info, P(c.split, 0, 0), kMaxDouble));
+    EXPECT_TRUE(Query(loc, info, P(split, 0, 0), kMaxDouble));
     EXPECT_EQ(info.GetResidue(), 0.5);
-    EXPECT_GT(info.GetOutputPoint().x, c.split);
+    EXPECT_GT(info.GetOutputPoint().x, split);
   }
 
   // Eleven identical points: a single over-full leaf; the query returns index 0.

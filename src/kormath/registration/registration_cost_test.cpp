@@ -45,8 +45,8 @@ TEST(RegistrationCost, NamedStates) {
 }
 
 // Oracle: lexicographic on (outliers, total error) with raw counts; the sample size (1 to 5 here) takes no part.
-// The order must also be a strict weak order for the tree's choice of edges to be well defined: irreflexive,
-// asymmetric, transitive, with transitive incomparability (which is ==). Small ranges make ties frequent.
+// Agreeing with the pair order makes < a strict weak order with == as its equivalence. Small ranges make ties
+// frequent.
 TEST(RegistrationCost, OrderOnRandomValues) {
   std::mt19937_64 rng(20261121);
   std::vector<MRegistrationCostInfo> v(1);  // the infinite cost sorts after all others
@@ -57,17 +57,10 @@ TEST(RegistrationCost, OrderOnRandomValues) {
   }
   auto key = [](MRegistrationCostInfo const &c) { return std::make_pair(c.GetNumberOfOutliers(), c.GetTotalError()); };
   for (auto const &a : v) {
-    EXPECT_FALSE(a < a);
     for (auto const &b : v) {
       EXPECT_EQ(a < b, key(a) < key(b));
       EXPECT_EQ(a == b, key(a) == key(b));
-      EXPECT_EQ(a > b, b < a);
-      EXPECT_FALSE(a < b && b < a);
-      EXPECT_EQ(!(a < b) && !(b < a), a == b);
-      for (auto const &c : v) {
-        EXPECT_TRUE(!(a < b && b < c) || a < c);
-        EXPECT_TRUE(!(a == b && b == c) || a == c);
-      }
+      EXPECT_EQ(a > b, key(b) < key(a));
     }
   }
 }

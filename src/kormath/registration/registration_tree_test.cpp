@@ -86,10 +86,8 @@ TEST(RegistrationTree, PrimAgainstOracleOnRandomTables) {
       for (std::uint64_t i = 0; i < n; ++i)
         for (std::uint64_t j = 0; j < n; ++j)
           if (placed(i) && !placed(j) && !costs(i, j).GetInfiniteCost() &&
-              (bi == kAllOnes || costs(i, j) < costs(bi, bj))) {
-            bi = i;
-            bj = j;
-          }
+              (bi == kAllOnes || costs(i, j) < costs(bi, bj)))
+            bi = i, bj = j;
       if (bi == kAllOnes) break;
       parent[bj] = bi;
       children[bi].push_back(bj);

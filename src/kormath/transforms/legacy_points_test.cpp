@@ -92,10 +92,8 @@ TEST(LegacyPoints, DivisionNarrowingAndLength) {
 
   PNT_3D_FLOAT zero, f(3.0f, 4.0f, 0.0f);
   zero.NORMALISEER();  // a zero length changes nothing
-  EXPECT_EQ(zero.x, 0.0f);
-  EXPECT_TRUE(f.SQR_LENGTH() == 25.0f && f.LENGTH() == 5.0f);
   f.NORMALISEER();
-  EXPECT_TRUE(f.x == 0.6f && f.y == 0.8f);
+  EXPECT_TRUE(zero.x == 0.0f && f.x == 0.6f && f.y == 0.8f && f.LENGTH() == 1.0f);
 }
 
 PNT_3D_LONG ThroughShift(double tx, double ty, double tz, bool inverse) {

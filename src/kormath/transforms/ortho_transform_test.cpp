@@ -54,20 +54,17 @@ TEST(OrthoTransform, ConcatenateAndMatrixAgree) {
     MMPoint3d<double> q;
     m.Transform(q, p);
     for (int k = 0; k < 3; ++k) EXPECT_NEAR(q[k], a.Map(p)[k], 1e-6);  // float-rounded translation
-    MMTransformMatrix r;
-    r.MakeRotation({0, 0, 0}, {1, 1, 0}, 0.3);
-    MMOrthoTransform o;
-    o.MakeRotation({0, 0, 0}, {1, 1, 0}, 0.3, true);
-    for (int row = 0; row < 3; ++row)
-      for (int c = 0; c < 3; ++c) EXPECT_EQ(o.Rotation[row][c], r.Matrix[row][c]);
   }
-  MMOrthoTransform rows;
+  MMTransformMatrix r;  // both Rodrigues forms give the same block, bit for bit
+  r.MakeRotation({0, 0, 0}, {1, 1, 0}, 0.3);
+  MMOrthoTransform o, rows;
+  o.MakeRotation({0, 0, 0}, {1, 1, 0}, 0.3, true);
+  for (int k = 0; k < 9; ++k) EXPECT_EQ(o.Rotation[k / 3][k % 3], r.Matrix[k / 3][k % 3]) << k;
   rows.MakeTransformation({1, 2, 3}, {0, 1, 0}, {-1, 0, 0}, {0, 0, 1});
   EXPECT_EQ(rows.Rotation[0][1], 1.0);
   const double m12[12] = {1, 0, 0, 4, 0, 0, 1, 5, 0, -1, 0, 6};
   rows.Copy(m12);
-  EXPECT_EQ(rows.Translation[2], 6.0);
-  EXPECT_EQ(rows.Rotation[2][1], -1.0);
+  EXPECT_TRUE(rows.Translation[2] == 6.0 && rows.Rotation[2][1] == -1.0);
   rows.MakeRotation({0, 0, 0}, {0, 0, 1}, kPi, true);
   EXPECT_NEAR(rows.Rotation[0][0], -1.0, 1e-15);
 }
