@@ -2,7 +2,7 @@
 # Installs the Debian packages the build, the tests and the benchmarks need,
 # when run as root and something is missing. Safe to run repeatedly.
 set -euo pipefail
-packages=(cmake ninja-build g++ clang libgtest-dev libbenchmark-dev liblapack-dev libblas-dev
+packages=(cmake ninja-build g++ clang clang-format libgtest-dev libbenchmark-dev liblapack-dev libblas-dev
           libgmp-dev libeigen3-dev libnanoflann-dev pkg-config)
 missing=()
 for p in "${packages[@]}"; do
