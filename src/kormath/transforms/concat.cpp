@@ -93,13 +93,8 @@ MMTransform *ConcatPair(Operand &first, Operand &second, bool mergeOnly, bool &w
   }
 
   if (secondKind == Kind::Stack && firstKind != Kind::Stack) {
-    MMTransformStack *stack = nullptr;
-    if (second.owned != nullptr) {
-      stack = static_cast<MMTransformStack *>(second.owned);
-      second.owned = nullptr;
-    } else {
-      stack = new MMTransformStack(static_cast<const MMTransformStack &>(*second.view));
-    }
+    // Taken, or a deep copy (a stack's Clone is its copy constructor).
+    auto *stack = static_cast<MMTransformStack *>(second.TakeOrClone());
     // Not an identity stack (tested above), so it holds a front element.
     Operand front{stack->GetFirst(), nullptr};
     bool notMerged = false;
@@ -112,13 +107,8 @@ MMTransform *ConcatPair(Operand &first, Operand &second, bool mergeOnly, bool &w
   }
 
   if (firstKind == Kind::Stack && secondKind != Kind::Stack) {
-    MMTransformStack *stack = nullptr;
-    if (first.owned != nullptr) {
-      stack = static_cast<MMTransformStack *>(first.owned);
-      first.owned = nullptr;
-    } else {
-      stack = new MMTransformStack(static_cast<const MMTransformStack &>(*first.view));
-    }
+    // Taken, or a deep copy (a stack's Clone is its copy constructor).
+    auto *stack = static_cast<MMTransformStack *>(first.TakeOrClone());
     Operand back{stack->GetLast(), nullptr};
     bool notMerged = false;
     MMTransform *merged = ConcatPair(back, second, true, notMerged);
@@ -130,13 +120,7 @@ MMTransform *ConcatPair(Operand &first, Operand &second, bool mergeOnly, bool &w
   }
 
   // Both are stacks.
-  MMTransformStack *stack = nullptr;
-  if (first.owned != nullptr) {
-    stack = static_cast<MMTransformStack *>(first.owned);
-    first.owned = nullptr;
-  } else {
-    stack = new MMTransformStack(static_cast<const MMTransformStack &>(*first.view));
-  }
+  auto *stack = static_cast<MMTransformStack *>(first.TakeOrClone());
   if (second.owned != nullptr) {
     auto *other = static_cast<MMTransformStack *>(second.owned);
     second.owned = nullptr;
