@@ -20,10 +20,10 @@
 // entries, unsorted; a lack of real roots is no failure (the roots come back
 // complex) and a double root comes back as two equal entries. Degree 3 uses
 // Cardano's formulas through std::complex, without iteration.
-bool SolvePolynomial(const std::vector<double> &coefficients, std::vector<std::complex<double>> &roots);
+KORMATH_API bool SolvePolynomial(const std::vector<double> &coefficients, std::vector<std::complex<double>> &roots);
 
 // Horner evaluation from the highest coefficient down; 0 for an empty vector.
-std::complex<double> EvaluatePolynomial(const std::vector<double> &coefficients, std::complex<double> x);
+KORMATH_API std::complex<double> EvaluatePolynomial(const std::vector<double> &coefficients, std::complex<double> x);
 
 namespace KorMathDetail {
 // The degree-2 and degree-3 branches of SolvePolynomial on fixed arrays, for

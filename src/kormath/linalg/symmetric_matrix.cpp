@@ -162,7 +162,9 @@ void MSymmetricMatrix::GetEigensJacobi(double **&vectors, double *const values, 
   rotations.MakeIdentity();
   MGeneralMatrix plane(n, n);
 
-  if (n > 0 && tolerance < 1.0) {
+  // Only a tolerance of 1.0 or more skips the iteration; any other value,
+  // NaN included, runs at least one rotation.
+  if (n > 0 && !(tolerance >= 1.0)) {
     double ratio;
     do {  // no iteration limit, on purpose
       unsigned int p;

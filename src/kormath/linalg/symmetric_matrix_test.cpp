@@ -118,6 +118,9 @@ TEST(Jacobi, IndicesAndDiagonalCases) {
   EXPECT_EQ(values[0], 3.0);
   EXPECT_EQ(vectors[0][1], 1.0);
   FreeRows(vectors, 2);
+  full.GetEigensJacobi(vectors, values, std::nan(""));  // NaN is not >= 1: one rotation, then stop
+  EXPECT_NE(std::fabs(vectors[0][0]) + std::fabs(vectors[1][0]), 1.0);
+  FreeRows(vectors, 2);
   zeroFirst.GetEigensJacobi(vectors, values, 1e-12);  // theta = 0/0
   EXPECT_TRUE(std::isnan(values[0]) || std::isnan(values[1]));
   FreeRows(vectors, 2);
