@@ -123,7 +123,7 @@ class KORMATH_API MTransform {
   // the two matrices no longer agree. Flag set.
   void ROTATE(float ignoredX, float ignoredY, float rz);
   // ROTEER_ENKEL (pre-multiplication) on Rotation, and with the negated angle
-  // also pre-multiplied on InverseRotation, as it always did; the two stay
+  // also pre-multiplied on InverseRotation, kept so on purpose; the two stay
   // inverse only when they commute with the step. Flag set.
   void ROTEER_ENKEL(long axis, float degrees);
   // The rotation about the common normal taking vector a onto vector b,

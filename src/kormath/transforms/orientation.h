@@ -85,7 +85,8 @@ KORMATH_API void ORIENTATIE(float (*const m)[3], float &rx, float &ry, float &rz
 // 0.017453292f; in place, or into `out` (`out` may be `v`).
 KORMATH_API void ROTEER_ENKEL(float *const v, long axis, float degrees);
 KORMATH_API void ROTEER_ENKEL(float *const v, long axis, float degrees, float *const out);
-// The same on the columns of a matrix: pre-multiplies `m` by the rotation.
+// The same on the rows of a matrix (rows a and b are combined, column by
+// column): pre-multiplies `m` by the rotation.
 KORMATH_API void ROTEER_ENKEL(float (*const m)[3], long axis, float degrees);
 
 // ROTEER_ENKEL of (x, y, z) about axis 2 by rz, then axis 1 by ry, then

@@ -8,7 +8,9 @@ constexpr float kLargestFloat = 3.4028234663852886e+38f;
 }  // namespace
 
 bool MMTransform::ConvertDouble16(double *matrix16) const {
-  float local[16];
+  // Zeroed, so that a transform without a matrix form (which writes nothing
+  // and returns false) hands back defined values.
+  float local[16] = {};
   const bool ok = ConvertFloat16(local);
   for (int i = 0; i < 16; ++i) matrix16[i] = local[i];
   return ok;
