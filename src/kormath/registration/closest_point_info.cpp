@@ -51,10 +51,10 @@ bool MClosestPointInfo::operator==(MClosestPointInfo const &other) const { retur
 
 bool MClosestPointInfo::operator>(MClosestPointInfo const &other) const { return residue > other.residue; }
 
+// Always the virtual Copy, self-assignment included (copying a record onto
+// itself is harmless, and a derived Copy sees every assignment).
 MClosestPointInfo &MClosestPointInfo::operator=(MClosestPointInfo const &other) {
-  if (this != &other) {
-    Copy(other);
-  }
+  Copy(other);
   return *this;
 }
 

@@ -56,6 +56,16 @@ TEST(ClosestPointInfo, CopiesComparisonAndRearming) {
   EXPECT_EQ(r.GetInputPoint(), P(1, 2, 3));
   r.SetDefaults();
   EXPECT_TRUE(r.GetInputPoint() == P(-1, -1, -1) && r.GetInputIndex() == kAllOnes);
+  // Assignment always goes through the virtual Copy, onto itself too.
+  struct Counting : MClosestPointInfo {
+    int copies = 0;
+    void Copy(MClosestPointInfo const &o) override {
+      ++copies;
+      MClosestPointInfo::Copy(o);
+    }
+  } counting;
+  static_cast<MClosestPointInfo &>(counting) = counting;
+  EXPECT_EQ(counting.copies, 1);
 }
 
 TEST(ClosestPointInfoList, MediansOddEvenAndEmpty) {
