@@ -1,6 +1,7 @@
 #include <kormath/transforms/legacy_transform.h>
 
 #include <kormath/transforms/core_types.h>
+#include <kormath/transforms/in_plane_rotation_detail.h>
 #include <kormath/transforms/matrix_transform.h>
 #include <kormath/transforms/orientation.h>
 #include <kormath/transforms/ortho_transform.h>
@@ -126,6 +127,13 @@ void ThroughCopy(T *out, const T *in, Map map) {
   out[2] = p[2];
 }
 
+// One component of an in-place mapping of (x, y, z).
+template <class Map>
+float Component(int k, float x, float y, float z, Map map) {
+  map(x, y, z);
+  return k == 0 ? x : (k == 1 ? y : z);
+}
+
 // The long form of a mapping: through float, rounded half away from zero.
 template <class Map>
 void ThroughFloat(long &x, long &y, long &z, Map map) {
@@ -213,16 +221,13 @@ void MTransform::INVERSE3D(float *out, const float *in) const {
 }
 
 float MTransform::INVERSE_X(float x, float y, float z) const {
-  INVERSE3D(x, y, z);
-  return x;
+  return Component(0, x, y, z, [this](float &a, float &b, float &c) { INVERSE3D(a, b, c); });
 }
 float MTransform::INVERSE_Y(float x, float y, float z) const {
-  INVERSE3D(x, y, z);
-  return y;
+  return Component(1, x, y, z, [this](float &a, float &b, float &c) { INVERSE3D(a, b, c); });
 }
 float MTransform::INVERSE_Z(float x, float y, float z) const {
-  INVERSE3D(x, y, z);
-  return z;
+  return Component(2, x, y, z, [this](float &a, float &b, float &c) { INVERSE3D(a, b, c); });
 }
 
 void MTransform::INVROT3D(float &x, float &y, float &z) const { MultiplyRows(InverseRotation, x, y, z); }
@@ -234,16 +239,13 @@ void MTransform::INVROT3D(float *out, const float *in) const {
 }
 
 float MTransform::INVROT_X(float x, float y, float z) const {
-  INVROT3D(x, y, z);
-  return x;
+  return Component(0, x, y, z, [this](float &a, float &b, float &c) { INVROT3D(a, b, c); });
 }
 float MTransform::INVROT_Y(float x, float y, float z) const {
-  INVROT3D(x, y, z);
-  return y;
+  return Component(1, x, y, z, [this](float &a, float &b, float &c) { INVROT3D(a, b, c); });
 }
 float MTransform::INVROT_Z(float x, float y, float z) const {
-  INVROT3D(x, y, z);
-  return z;
+  return Component(2, x, y, z, [this](float &a, float &b, float &c) { INVROT3D(a, b, c); });
 }
 
 void MTransform::TRANSFORM2D(float &x, float &y) const {
@@ -330,24 +332,12 @@ void MTransform::ROTATION_IN_PLANE(double ax, double ay, double az, double bx, d
   a /= la;
   b /= lb;
   MMPoint3d<double> n = a.Cross(b);
-  if (std::fabs(n.SquaredLength()) < kDoubleEpsilonX10) {
-    const double yz = a.y * a.y + a.z * a.z;
-    if (yz > kPerpendicularThreshold) {
-      const double l = std::sqrt(yz);
-      n = MMPoint3d<double>(0.0, a.z / l, -a.y / l);
-    } else {
-      const double l = std::sqrt(a.x * a.x + a.y * a.y);
-      n = MMPoint3d<double>(a.y / l, -a.x / l, 0.0);
-    }
-  } else {
+  if (std::fabs(n.SquaredLength()) < kDoubleEpsilonX10)
+    n = KorMathDetail::PerpendicularAxis(a, kPerpendicularThreshold);
+  else
     n /= n.Length();
-  }
-  // Maps a to b, n to n and p = a x n to q = b x n.
-  const MMPoint3d<double> p = a.Cross(n);
-  const MMPoint3d<double> q = b.Cross(n);
   double m[3][3];
-  for (int i = 0; i < 3; ++i)
-    for (int j = 0; j < 3; ++j) m[i][j] = b[i] * a[j] + n[i] * n[j] + q[i] * p[j];
+  KorMathDetail::WriteInPlaneRotation(m, a, b, n);
   StoreRotation(Rotation, InverseRotation, m);
   CENTER(cx, cy, cz);
 }

@@ -1,6 +1,7 @@
 // Builders of the classified matrix transform: from numbers, rotations,
 // frames and projections, and the angle readers.
 
+#include <kormath/transforms/in_plane_rotation_detail.h>
 #include <kormath/transforms/matrix_transform.h>
 #include <kormath/transforms/ortho_transform.h>
 
@@ -250,22 +251,11 @@ bool MMTransformMatrix::MakeRotationInPlane(MMPoint3d<double> from, MMPoint3d<do
   from.Normalise();
   to.Normalise();
   MMPoint3d<double> n = from.Cross(to);
-  if (n.Length() < kDoubleSqrtEpsilon) {
-    const double yz = from.y * from.y + from.z * from.z;
-    if (yz > kDoubleEpsilon) {
-      const double l = std::sqrt(yz);
-      n = MMPoint3d<double>(0.0, from.z / l, -from.y / l);
-    } else {
-      const double l = std::sqrt(from.x * from.x + from.y * from.y);
-      n = MMPoint3d<double>(from.y / l, -from.x / l, 0.0);
-    }
-  } else {
+  if (n.Length() < kDoubleSqrtEpsilon)
+    n = KorMathDetail::PerpendicularAxis(from, kDoubleEpsilon);
+  else
     n.Normalise();
-  }
-  const MMPoint3d<double> p = from.Cross(n);
-  const MMPoint3d<double> q = to.Cross(n);
-  for (int i = 0; i < 3; ++i)
-    for (int j = 0; j < 3; ++j) Matrix[i][j] = to[i] * from[j] + n[i] * n[j] + q[i] * p[j];
+  KorMathDetail::WriteInPlaneRotation(Matrix, from, to, n);
   // The class must describe the new block before the centre is mapped.
   VerifyAndSetClass();
   return SetRotationCenter(center);
