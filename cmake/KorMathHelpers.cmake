@@ -5,6 +5,9 @@
 #   libraries are combined into the one kormath library.
 # kormath_add_test(NAME <name> SOURCES <files...> DEPS <targets...>)
 #   A GoogleTest executable registered with CTest.
+# kormath_folder_sources(<sources_var> <tests_var>)
+#   The library sources (*.cpp) and the test sources (*_test.cpp) of the
+#   calling folder, so that a new file needs no edit of the folder's list.
 
 set(KORMATH_SOURCE_ROOT "${PROJECT_SOURCE_DIR}/src")
 
@@ -44,4 +47,19 @@ function(kormath_add_test)
   target_link_libraries(${A_NAME} PRIVATE ${A_DEPS} GTest::gtest GTest::gtest_main)
   kormath_set_compile_options(${A_NAME})
   gtest_discover_tests(${A_NAME} DISCOVERY_TIMEOUT 60)
+endfunction()
+
+function(kormath_folder_sources sources_var tests_var)
+  file(GLOB all CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  set(sources)
+  set(tests)
+  foreach(f IN LISTS all)
+    if(f MATCHES "_test\\.cpp$")
+      list(APPEND tests ${f})
+    else()
+      list(APPEND sources ${f})
+    endif()
+  endforeach()
+  set(${sources_var} ${sources} PARENT_SCOPE)
+  set(${tests_var} ${tests} PARENT_SCOPE)
 endfunction()

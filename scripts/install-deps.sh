@@ -3,7 +3,8 @@
 # when run as root and something is missing. Safe to run repeatedly.
 set -euo pipefail
 packages=(cmake ninja-build g++ clang clang-format libgtest-dev libbenchmark-dev liblapack-dev libblas-dev
-          libgmp-dev libeigen3-dev libnanoflann-dev pkg-config)
+          libgmp-dev libeigen3-dev libnanoflann-dev pkg-config libpng-dev libunittest++-dev
+          libcgal-dev libclang-rt-14-dev)
 missing=()
 for p in "${packages[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || missing+=("$p")
