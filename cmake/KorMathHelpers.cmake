@@ -18,11 +18,8 @@ function(kormath_set_compile_options target)
   endif()
   # Floating point is part of the contract: no contraction into FMA.
   target_compile_options(${target} PRIVATE -ffp-contract=off)
-  # GCC before 13 drops deliberate narrowing to float in SLP-vectorised
-  # constructors at -O2; the library rounds through float on purpose.
-  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-    target_compile_options(${target} PRIVATE -fno-tree-slp-vectorize)
-  endif()
+  # Deliberate rounding through float goes through an optimisation barrier
+  # (transforms/float_rounding_detail.h), so the vectorisers stay on.
 endfunction()
 
 function(kormath_add_subsystem)

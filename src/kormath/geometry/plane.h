@@ -226,32 +226,6 @@ class MMPlaneEq {
   T m_d;
 };
 
-template <class T>
-void MMPlaneEq<T>::Transform(const MMTransform &transform) {
-  const double a = m_normal.x, b = m_normal.y, c = m_normal.z;
-  // The "+ 0" is part of the published order of the sum.
-  const double s = -double(m_d) / (a * a + 0.0 + b * b + c * c);
-  const MMPoint3d<double> q(s * a, s * b, s * c);
-  const MMPoint3d<double> n(a, b, c);
-  const MMPoint3d<double> origin;
-  MMPoint3d<double> qMapped, r, o;
-  transform.Transform(qMapped, q, false);
-  transform.Transform(r, n, false);
-  transform.Transform(o, origin, false);
-  // Rounded through float on purpose.
-  const double na = static_cast<double>(static_cast<float>(r.x - o.x));
-  const double nb = static_cast<double>(static_cast<float>(r.y - o.y));
-  const double nc = static_cast<double>(static_cast<float>(r.z - o.z));
-  const double qx = static_cast<double>(static_cast<float>(qMapped.x));
-  const double qy = static_cast<double>(static_cast<float>(qMapped.y));
-  const double qz = static_cast<double>(static_cast<float>(qMapped.z));
-  m_normal.x = static_cast<T>(na);
-  m_normal.y = static_cast<T>(nb);
-  m_normal.z = static_cast<T>(nc);
-  Normalise();
-  m_d = -(m_normal.x * static_cast<T>(qx) + m_normal.y * static_cast<T>(qy) + m_normal.z * static_cast<T>(qz));
-}
-
 // The library exports the double instantiation.
 extern template class KORMATH_API MMPlaneEq<double>;
 

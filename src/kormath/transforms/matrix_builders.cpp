@@ -1,6 +1,7 @@
 // Builders of the classified matrix transform: from numbers, rotations,
 // frames and projections, and the angle readers.
 
+#include <kormath/transforms/float_rounding_detail.h>
 #include <kormath/transforms/in_plane_rotation_detail.h>
 #include <kormath/transforms/matrix_transform.h>
 #include <kormath/transforms/ortho_transform.h>
@@ -12,12 +13,7 @@ namespace {
 constexpr double kPi = 3.141592653589793;
 constexpr double kHalfPi = 1.5707963267948966;
 
-// Rounds to float precision and back, on purpose. Kept out of line so that no
-// vectoriser can drop the narrowing.
-double RoundThroughFloat(double v) {
-  volatile float f = static_cast<float>(v);
-  return static_cast<double>(f);
-}
+using kormath_detail::RoundThroughFloat;
 
 double AngleBetween(const MMPoint3d<double> &a, const MMPoint3d<double> &b) { return std::acos(a.CosineOfAngle(b)); }
 
