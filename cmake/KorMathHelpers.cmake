@@ -32,6 +32,11 @@ function(kormath_add_subsystem)
     target_link_libraries(${target} PUBLIC ${A_DEPS})
   endif()
   kormath_set_compile_options(${target})
+  # Calls between the library's own exported functions stay direct (no PLT):
+  # nothing in the library is meant to be interposed.
+  if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    target_compile_options(${target} PRIVATE -fno-semantic-interposition)
+  endif()
   set_property(GLOBAL APPEND PROPERTY KORMATH_SUBSYSTEM_TARGETS ${target})
 endfunction()
 

@@ -143,8 +143,20 @@ bool MMTransformMatrix::_Map(const double (&m)[4][4], MMPoint3d<double> &out, co
 }
 
 bool MMTransformMatrix::_Transform(MMPoint3d<double> &out, const MMPoint3d<double> &in, bool isVector) const {
-  if (IsIdentity()) {
+  // The matrix's own identity test, called directly: this is the hot path of
+  // every single-point mapping.
+  if (MMTransformMatrix::IsIdentity()) {
     out = in;
+    return true;
+  }
+  if (!Homogeneous && !isVector) {
+    // The common case, as _Map computes it.
+    const double x = Matrix[0][0] * in.x + Matrix[0][1] * in.y + Matrix[0][2] * in.z + Matrix[0][3];
+    const double y = Matrix[1][0] * in.x + Matrix[1][1] * in.y + Matrix[1][2] * in.z + Matrix[1][3];
+    const double z = Matrix[2][0] * in.x + Matrix[2][1] * in.y + Matrix[2][2] * in.z + Matrix[2][3];
+    out.x = x;
+    out.y = y;
+    out.z = z;
     return true;
   }
   return _Map(Matrix, out, in, isVector);
@@ -157,6 +169,44 @@ bool MMTransformMatrix::_InverseTransform(MMPoint3d<double> &out, const MMPoint3
     return true;
   }
   return _Map(Inverse, out, in, isVector);
+}
+
+// The affine rows of a matrix, held in registers for a run of points. The
+// sums are formed in the order of _Map, so the results are bit-identical.
+namespace {
+struct AffineRows {
+  double r[3][4];
+  explicit AffineRows(const double (&m)[4][4]) {
+    for (int i = 0; i < 3; ++i)
+      for (int j = 0; j < 4; ++j) r[i][j] = m[i][j];
+  }
+  MMPoint3d<double> operator()(const MMPoint3d<double> &p) const {
+    return MMPoint3d<double>(r[0][0] * p.x + r[0][1] * p.y + r[0][2] * p.z + r[0][3],
+                             r[1][0] * p.x + r[1][1] * p.y + r[1][2] * p.z + r[1][3],
+                             r[2][0] * p.x + r[2][1] * p.y + r[2][2] * p.z + r[2][3]);
+  }
+};
+}  // namespace
+
+bool MMTransformMatrix::Transform(std::vector<MMPoint3d<double>> &out, const std::vector<MMPoint3d<double>> &in) const {
+  if (Homogeneous || &out == &in) return MMTransform::Transform(out, in);
+  out.clear();
+  if (IsIdentity()) {
+    out.assign(in.begin(), in.end());
+    return true;
+  }
+  out.reserve(in.size());
+  const AffineRows rows(Matrix);
+  for (const auto &p : in) out.push_back(rows(p));
+  return true;
+}
+
+bool MMTransformMatrix::Transform(std::vector<MMPoint3d<double>> &points) const {
+  if (Homogeneous) return MMTransform::Transform(points);
+  if (IsIdentity()) return true;
+  const AffineRows rows(Matrix);
+  for (auto &p : points) p = rows(p);
+  return true;
 }
 
 void MMTransformMatrix::_Multiply(const MMTransformMatrix &m, bool skipVerify) {

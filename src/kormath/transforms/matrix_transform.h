@@ -71,6 +71,11 @@ class KORMATH_API MMTransformMatrix : public MMTransform, public MMTransformMatr
   // inverse is simpler stays General).
   bool Invert() override;
   bool IsIdentity() const override;
+  // The vector forms give the results of the element-wise mapping; a
+  // non-homogeneous matrix maps them in one tight loop.
+  using MMTransform::Transform;
+  bool Transform(std::vector<MMPoint3d<double>> &out, const std::vector<MMPoint3d<double>> &in) const override;
+  bool Transform(std::vector<MMPoint3d<double>> &points) const override;
 
   // New virtual operations.
   // Recomputes Inverse by the route of Class; returns and stores Inversible.

@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstdint>
 #include <random>
+#include <vector>
 
 namespace {
 
@@ -202,6 +203,31 @@ TEST(Mapping, HomogeneousDivideVectorsAndExceptions) {
   }
   t.MakeScale1D(4);
   EXPECT_EQ(t.GetScale(), 4.0);
+}
+
+TEST(Mapping, VectorFormsMatchSinglePointsBitForBit) {
+  // The matrix's own loops for the vector forms must give exactly the
+  // element-wise results: general, identity and homogeneous matrices, in place
+  // and into another vector.
+  std::mt19937_64 rng(7);
+  std::uniform_real_distribution<double> u(-50.0, 50.0);
+  std::vector<MMPoint3d<double>> in(257);
+  for (auto &p : in) p = MMPoint3d<double>(u(rng), u(rng), u(rng));
+  MMTransformMatrix general = FromRows({{0.3, -1.2, 0.7, 5}, {0.1, 0.9, -0.4, -6}, {1.1, 0.2, 0.8, 7}, {0, 0, 0, 1}});
+  MMTransformMatrix homogeneous = FromRows({{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0.01, 2}});
+  const MMTransformMatrix identity;
+  for (const MMTransformMatrix *m : {&general, &homogeneous, &identity}) {
+    std::vector<MMPoint3d<double>> out(3), inPlace = in;
+    ASSERT_TRUE(m->Transform(out, in));
+    ASSERT_TRUE(m->Transform(inPlace));
+    ASSERT_EQ(out.size(), in.size());
+    for (std::size_t i = 0; i < in.size(); ++i) {
+      MMPoint3d<double> single;
+      m->Transform(single, in[i]);
+      EXPECT_EQ(out[i], single) << i;
+      EXPECT_EQ(inPlace[i], single) << i;
+    }
+  }
 }
 
 TEST(Equality, ElementToleranceIsStrict) {
