@@ -213,8 +213,9 @@ TEST(Mapping, VectorFormsMatchSinglePointsBitForBit) {
   std::uniform_real_distribution<double> u(-50.0, 50.0);
   std::vector<MMPoint3d<double>> in(257);
   for (auto &p : in) p = MMPoint3d<double>(u(rng), u(rng), u(rng));
-  MMTransformMatrix general = FromRows({{0.3, -1.2, 0.7, 5}, {0.1, 0.9, -0.4, -6}, {1.1, 0.2, 0.8, 7}, {0, 0, 0, 1}});
-  MMTransformMatrix homogeneous = FromRows({{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0.01, 2}});
+  const MMTransformMatrix general =
+      FromRows({{0.3, -1.2, 0.7, 5}, {0.1, 0.9, -0.4, -6}, {1.1, 0.2, 0.8, 7}, {0, 0, 0, 1}});
+  const MMTransformMatrix homogeneous = FromRows({{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0.01, 2}});
   const MMTransformMatrix identity;
   for (const MMTransformMatrix *m : {&general, &homogeneous, &identity}) {
     std::vector<MMPoint3d<double>> out(3), inPlace = in;
