@@ -100,10 +100,18 @@ class TreeBuilder {
   // edge wraps around); kept on purpose for a fixed tree shape.
   static std::size_t SplitPosition(MKDTreePointRecord *w, std::size_t m, int axis, double &split) {
     const std::size_t med = static_cast<std::size_t>(std::ceil(static_cast<double>(m) * 0.5));
-    auto less = [axis](MKDTreePointRecord const &a, MKDTreePointRecord const &b) {
-      return Coordinate(a, axis) < Coordinate(b, axis);
-    };
-    std::nth_element(w, w + med, w + m, less);
+    // One comparator per axis, so that each comparison is a plain load.
+    switch (axis) {
+      case 0:
+        std::nth_element(w, w + med, w + m, [](auto const &a, auto const &b) { return a.x < b.x; });
+        break;
+      case 1:
+        std::nth_element(w, w + med, w + m, [](auto const &a, auto const &b) { return a.y < b.y; });
+        break;
+      default:
+        std::nth_element(w, w + med, w + m, [](auto const &a, auto const &b) { return a.z < b.z; });
+        break;
+    }
     const double cmed = Coordinate(w[med], axis);
     double below = -kLargestDouble;  // c[med - 1]: the largest left of med
     for (std::size_t i = 0; i < med; ++i) {
