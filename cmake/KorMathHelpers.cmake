@@ -8,6 +8,11 @@
 # kormath_folder_sources(<sources_var> <tests_var>)
 #   The library sources (*.cpp) and the test sources (*_test.cpp) of the
 #   calling folder, so that a new file needs no edit of the folder's list.
+#   Benchmarks of internals beside their sources (*_benchmark.cpp) are in
+#   neither list.
+# kormath_add_benchmark(NAME <name> SOURCES <files...> DEPS <targets...>)
+#   A Google Benchmark executable for an internal part that the installed
+#   library does not export; the public benchmarks live in bench/.
 
 set(KORMATH_SOURCE_ROOT "${PROJECT_SOURCE_DIR}/src")
 
@@ -56,7 +61,9 @@ function(kormath_folder_sources sources_var tests_var)
   set(sources)
   set(tests)
   foreach(f IN LISTS all)
-    if(f MATCHES "_test\\.cpp$")
+    if(f MATCHES "_benchmark\\.cpp$")
+      continue()
+    elseif(f MATCHES "_test\\.cpp$")
       list(APPEND tests ${f})
     else()
       list(APPEND sources ${f})
@@ -64,4 +71,16 @@ function(kormath_folder_sources sources_var tests_var)
   endforeach()
   set(${sources_var} ${sources} PARENT_SCOPE)
   set(${tests_var} ${tests} PARENT_SCOPE)
+endfunction()
+
+function(kormath_add_benchmark)
+  if(NOT KORMATH_BUILD_BENCHMARKS)
+    return()
+  endif()
+  cmake_parse_arguments(A "" "NAME" "SOURCES;DEPS" ${ARGN})
+  find_package(benchmark REQUIRED)
+  add_executable(${A_NAME} ${A_SOURCES})
+  target_link_libraries(${A_NAME} PRIVATE ${A_DEPS} benchmark::benchmark)
+  target_include_directories(${A_NAME} PRIVATE ${PROJECT_SOURCE_DIR}/bench)
+  kormath_set_compile_options(${A_NAME})
 endfunction()
