@@ -5,5 +5,6 @@
 // the NURBS curve, the 2D curve equations and the interpolated surface.
 
 #include <kormath/curves/surface_equation.h>
+#include <kormath/curves/interpolated_surface.h>
 
 #endif  // KORMATH_CURVES_CURVES_H

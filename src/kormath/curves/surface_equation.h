@@ -21,8 +21,8 @@ class KORMATH_API ISurfaceEquation3d {
 
  protected:
   ISurfaceEquation3d() = default;
-  ISurfaceEquation3d(const ISurfaceEquation3d&) = default;
-  ISurfaceEquation3d& operator=(const ISurfaceEquation3d&) = default;
+  ISurfaceEquation3d(const ISurfaceEquation3d &) = default;
+  ISurfaceEquation3d &operator=(const ISurfaceEquation3d &) = default;
   ~ISurfaceEquation3d() = default;
 };
 
