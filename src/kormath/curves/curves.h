@@ -5,6 +5,5 @@
 // the NURBS curve, the 2D curve equations and the interpolated surface.
 
 #include <kormath/curves/surface_equation.h>
-#include <kormath/curves/interpolated_surface.h>
 
 #endif  // KORMATH_CURVES_CURVES_H
